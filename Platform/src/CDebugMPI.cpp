@@ -1,0 +1,81 @@
+#include "DebugMPI.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <vector>
+
+namespace Tadwick {
+namespace Vell {
+
+namespace {
+
+int initialLevel()
+{
+    const char* env = getenv("ZEPHRIN2D_DEBUG_LEVEL");
+    if (env && *env) {
+        int level = atoi(env);
+        if (level < 0) level = 0;
+        if (level > 5) level = 5;
+        return level;
+    }
+    return 2;
+}
+
+int& level()
+{
+    static int sLevel = initialLevel();
+    return sLevel;
+}
+
+CDebugMPI::tHandler& handler()
+{
+    static CDebugMPI::tHandler sHandler;
+    return sHandler;
+}
+
+} // namespace
+
+CDebugMPI::CDebugMPI(int module) : mModule(module) {}
+
+void CDebugMPI::DebugOut(int msgLevel, const char* format, ...) const
+{
+    if (!handler() && msgLevel > level())
+        return;
+    char small[512];
+    va_list args;
+    va_start(args, format);
+    int n = vsnprintf(small, sizeof small, format, args);
+    va_end(args);
+    if (n < 0)
+        return;
+    std::string text;
+    if (static_cast<size_t>(n) < sizeof small) {
+        text.assign(small, n);
+    } else {
+        std::vector<char> big(n + 1);
+        va_start(args, format);
+        vsnprintf(big.data(), big.size(), format, args);
+        va_end(args);
+        text.assign(big.data(), n);
+    }
+    if (handler()) {
+        handler()(mModule, msgLevel, text);
+        return;
+    }
+    fputs(text.c_str(), stderr);
+}
+
+void CDebugMPI::SetDebugLevel(int newLevel) { level() = newLevel; }
+
+int CDebugMPI::GetDebugLevel() const { return level(); }
+
+CDebugMPI::tHandler CDebugMPI::SetHandler(tHandler newHandler)
+{
+    tHandler old = handler();
+    handler() = newHandler;
+    return old;
+}
+
+} // namespace Vell
+} // namespace Tadwick

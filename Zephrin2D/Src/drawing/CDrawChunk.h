@@ -1,0 +1,50 @@
+#ifndef ZEPHRIN2D_CDRAWCHUNK_H
+#define ZEPHRIN2D_CDRAWCHUNK_H
+
+#include "tMatrix23.h"
+
+#include <boost/shared_ptr.hpp>
+#include <boost/weak_ptr.hpp>
+#include <vector>
+
+class CDrawList;
+class CGraphicElement;
+
+/// A piece of an element's geometry in the element's local space, in the
+/// form the batched renderer consumes. The draw manager hands each
+/// (element, chunk) pair to a draw list chosen by the chunk.
+class CDrawChunk
+{
+public:
+    CDrawChunk();
+    explicit CDrawChunk(unsigned short vertexCount);
+    virtual ~CDrawChunk();
+
+    /// A new, empty list of the kind that can hold this chunk.
+    virtual boost::shared_ptr<CDrawList> createDrawList() = 0;
+    virtual bool canMerge(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> other) const = 0;
+    /// A copy of this chunk with other (placed by element) merged in; this chunk is unchanged.
+    virtual boost::shared_ptr<CDrawChunk> createMergedChunk(boost::shared_ptr<CGraphicElement> element,
+                                                            boost::shared_ptr<CDrawChunk> other) const = 0;
+    /// A copy whose vertices are transformed by the element's matrix.
+    virtual boost::shared_ptr<CDrawChunk> createTransformedChunk(boost::shared_ptr<CGraphicElement> element) const = 0;
+    /// Appends other's geometry, transformed by the element's matrix.
+    virtual void merge(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> other) = 0;
+
+    /// Replaces every vertex v by m * v.
+    void transformVertices(tMatrix23 m);
+
+    std::vector<tVect3>& getVertices() { return mVertices; }
+    const std::vector<tVect3>& getVertices() const { return mVertices; }
+    boost::weak_ptr<CDrawList> getDrawList() const { return mDrawList; }
+    void setDrawList(boost::weak_ptr<CDrawList> list) { mDrawList = list; }
+    bool isTranslucent() const { return mTranslucent; }
+    void setTranslucent(bool translucent) { mTranslucent = translucent; }
+
+protected:
+    std::vector<tVect3> mVertices;
+    boost::weak_ptr<CDrawList> mDrawList;
+    bool mTranslucent;
+};
+
+#endif

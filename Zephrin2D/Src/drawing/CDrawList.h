@@ -1,0 +1,45 @@
+#ifndef ZEPHRIN2D_CDRAWLIST_H
+#define ZEPHRIN2D_CDRAWLIST_H
+
+#include <boost/enable_shared_from_this.hpp>
+#include <boost/shared_ptr.hpp>
+
+class CDrawChunk;
+class CGraphicElement;
+
+/// The interface the draw manager drives: a list owns the GL buffers of all
+/// chunks that share one texture and draws them with as few calls as it can.
+/// A list is opaque or translucent, fixed by the first chunk it accepts.
+class CDrawList : public boost::enable_shared_from_this<CDrawList>
+{
+public:
+    /// Depth returned when a translucent list has nothing more to draw.
+    enum { NO_MORE_DEPTHS = 2147483647 };
+
+    virtual ~CDrawList() {}
+
+    /// Accepts the pair, or refuses it (false) so the manager tries another list.
+    virtual bool add(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) = 0;
+    virtual bool remove(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) = 0;
+    virtual bool show(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) = 0;
+    virtual bool hide(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) = 0;
+    /// The element moved: its vertices are rebuilt before the next draw.
+    virtual void markDirtyVertices(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) = 0;
+    /// The next draw re-creates the buffers at their exact sizes.
+    virtual void shrink() = 0;
+    /// Drops every entry and deletes the GL buffers.
+    virtual void clear() = 0;
+    virtual void bufferVertices() = 0;
+    /// Draws an opaque list (one call).
+    virtual void draw() = 0;
+    /// Starts a translucent pass; returns the first pending depth.
+    virtual int prepareAlphaDraw() = 0;
+    /// Draws the entries at depth z; returns the next pending depth or NO_MORE_DEPTHS.
+    virtual int drawZDepth(int z) = 0;
+    virtual bool empty() = 0;
+
+    /// Whether the list takes translucent chunks (fixed by its first chunk).
+    virtual bool isTranslucent() const = 0;
+};
+
+#endif

@@ -1,0 +1,61 @@
+#ifndef ZEPHRIN2D_CDRAWMANAGER_H
+#define ZEPHRIN2D_CDRAWMANAGER_H
+
+#include <boost/shared_ptr.hpp>
+#include <deque>
+
+class CDrawChunk;
+class CDrawList;
+class CGraphicElement;
+
+/// One entry of a frame's translucent pass: a list and its next pending depth.
+struct tAlphaDrawList
+{
+    boost::shared_ptr<CDrawList> list;
+    int depth;
+};
+
+/// Owns every draw list and draws the frame.
+///
+/// Elements register their (element, chunk) pairs; each pair goes to the
+/// first list of its kind (opaque or translucent) that accepts it, and a new
+/// list is made when none does. drawAll() draws the opaque lists, then the
+/// translucent ones merged back to front by depth.
+class CDrawManager
+{
+public:
+    static CDrawManager* Instance();
+    static void Destroy();
+
+    void add(boost::shared_ptr<CGraphicElement> element);
+    void remove(boost::shared_ptr<CGraphicElement> element);
+    void add(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk);
+    void remove(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk);
+    void show(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk);
+    void hide(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk);
+
+    void addList(boost::shared_ptr<CDrawList> list);
+    void removeList(boost::shared_ptr<CDrawList> list);
+
+    void drawAll();
+    /// Removes empty lists and makes the others re-create their buffers at exact size.
+    void shrinkAll();
+    /// Clears every list and empties both queues.
+    void deleteAll();
+
+    const std::deque<boost::shared_ptr<CDrawList> >& getOpaqueLists() const { return mOpaqueLists; }
+    const std::deque<boost::shared_ptr<CDrawList> >& getTranslucentLists() const { return mTranslucentLists; }
+
+private:
+    CDrawManager();
+    ~CDrawManager();
+    CDrawManager(const CDrawManager&);
+    CDrawManager& operator=(const CDrawManager&);
+
+    std::deque<boost::shared_ptr<CDrawList> > mOpaqueLists;
+    std::deque<boost::shared_ptr<CDrawList> > mTranslucentLists;
+
+    static CDrawManager* mInstance;
+};
+
+#endif

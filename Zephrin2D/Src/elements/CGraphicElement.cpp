@@ -1,0 +1,171 @@
+#include "CGraphicElement.h"
+
+#include "CDrawChunk.h"
+#include "CDrawList.h"
+#include "CDrawManager.h"
+
+#include <GLES/gl.h>
+
+CGraphicElement::CGraphicElement()
+    : mMatrixDirty(true), mMatrix(), mPosition(VECT3_0), mReg(VECT2_0), mRotation(ZERO_X),
+      mScale{ONE_X, ONE_X}, mColor{255, 255, 255, 255}, mVisible(true), mDrawManaged(false)
+{
+}
+
+CGraphicElement::CGraphicElement(const CGraphicElement& other)
+    : boost::enable_shared_from_this<CGraphicElement>(), mMatrixDirty(true), mMatrix(),
+      mPosition(other.mPosition), mReg(other.mReg), mRotation(other.mRotation), mScale(other.mScale),
+      mColor(other.mColor), mVisible(other.mVisible), mChunks(other.mChunks), mDrawManaged(false)
+{
+}
+
+CGraphicElement& CGraphicElement::operator=(const CGraphicElement& other)
+{
+    if (this == &other)
+        return *this;
+    if (mDrawManaged) {
+        boost::shared_ptr<CGraphicElement> self = shared_from_this();
+        for (size_t i = 0; i < mChunks.size(); ++i)
+            CDrawManager::Instance()->remove(self, mChunks[i]);
+    }
+    mMatrixDirty = true;
+    mPosition = other.mPosition;
+    mReg = other.mReg;
+    mRotation = other.mRotation;
+    mScale = other.mScale;
+    mColor = other.mColor;
+    mVisible = other.mVisible;
+    mChunks = other.mChunks;
+    mMatrix = other.mMatrix;
+    return *this;
+}
+
+CGraphicElement::~CGraphicElement() {}
+
+void CGraphicElement::rotateTo(tFixed degrees) { mRotation = degrees; markDirtyVertices(); }
+void CGraphicElement::rotateBy(tFixed degrees) { mRotation += degrees; markDirtyVertices(); }
+
+void CGraphicElement::moveTo(tVect2 position)
+{
+    mPosition.x = position.x;
+    mPosition.y = position.y;
+    markDirtyVertices();
+}
+
+void CGraphicElement::moveTo(tVect3 position) { mPosition = position; markDirtyVertices(); }
+
+void CGraphicElement::moveBy(tVect2 offset)
+{
+    mPosition.x += offset.x;
+    mPosition.y += offset.y;
+    markDirtyVertices();
+}
+
+void CGraphicElement::moveBy(tVect3 offset) { mPosition = mPosition + offset; markDirtyVertices(); }
+void CGraphicElement::scaleXTo(tFixed scale) { mScale.x = scale; markDirtyVertices(); }
+void CGraphicElement::scaleXBy(tFixed factor) { mScale.x = mScale.x * factor; markDirtyVertices(); }
+void CGraphicElement::scaleYTo(tFixed scale) { mScale.y = scale; markDirtyVertices(); }
+void CGraphicElement::scaleYBy(tFixed factor) { mScale.y = mScale.y * factor; markDirtyVertices(); }
+void CGraphicElement::scaleTo(tVect2 scale) { mScale = scale; markDirtyVertices(); }
+
+void CGraphicElement::scaleBy(tVect2 factor)
+{
+    mScale.x = mScale.x * factor.x;
+    mScale.y = mScale.y * factor.y;
+    markDirtyVertices();
+}
+
+void CGraphicElement::alphaTo(unsigned char alpha) { mColor.a = alpha; }
+
+void CGraphicElement::alphaBy(tFixed factor)
+{
+    mColor.a = static_cast<unsigned char>((static_cast<int64_t>(factor.raw()) * mColor.a) >> 16);
+}
+
+void CGraphicElement::moveRegTo(tVect2 reg) { mReg = reg; markDirtyVertices(); }
+void CGraphicElement::moveRegBy(tVect2 offset) { mReg = mReg + offset; markDirtyVertices(); }
+void CGraphicElement::setColor(tColor color) { mColor = color; }
+
+tMatrix23 CGraphicElement::getMatrix()
+{
+    if (mMatrixDirty) {
+        mMatrix.setTransform(mReg, mScale, mRotation, mPosition);
+        mMatrixDirty = false;
+    }
+    return mMatrix;
+}
+
+void CGraphicElement::markDirtyVertices()
+{
+    mMatrixDirty = true;
+    if (!mDrawManaged)
+        return;
+    boost::shared_ptr<CGraphicElement> self = shared_from_this();
+    for (size_t i = 0; i < mChunks.size(); ++i) {
+        boost::shared_ptr<CDrawList> list = mChunks[i]->getDrawList().lock();
+        if (list)
+            list->markDirtyVertices(self, mChunks[i]);
+    }
+}
+
+void CGraphicElement::setVisibility(bool visible)
+{
+    if (visible == mVisible)
+        return;
+    if (mDrawManaged) {
+        boost::shared_ptr<CGraphicElement> self = shared_from_this();
+        tChunkList& chunks = getChunks();
+        for (size_t i = 0; i < chunks.size(); ++i) {
+            if (visible)
+                CDrawManager::Instance()->show(self, chunks[i]);
+            else
+                CDrawManager::Instance()->hide(self, chunks[i]);
+        }
+    }
+    mVisible = visible;
+}
+
+void CGraphicElement::pushTransform()
+{
+    glPushMatrix();
+    if (mPosition.x != ZERO_X || mPosition.y != ZERO_X || mPosition.z != ZERO_X)
+        glTranslatex(mPosition.x.raw(), mPosition.y.raw(), mPosition.z.raw());
+    if (mRotation != ZERO_X)
+        glRotatex(mRotation.raw(), 0, 0, ONE_X.raw());
+    if (mScale.x != ONE_X || mScale.y != ONE_X)
+        glScalex(mScale.x.raw(), mScale.y.raw(), ONE_X.raw());
+    if (mReg.x != ZERO_X || mReg.y != ZERO_X)
+        glTranslatex(-mReg.x.raw(), -mReg.y.raw(), 0);
+}
+
+void CGraphicElement::popTransform() { glPopMatrix(); }
+
+void CGraphicElement::applyColor(tColor* color)
+{
+    const tColor& c = color ? *color : mColor;
+    glColor4ub(c.r, c.g, c.b, c.a);
+}
+
+void CGraphicElement::drawRegPoint(tFixed size, tColor* color)
+{
+    static const GLfixed origin[2] = {0, 0};
+    glPushMatrix();
+    if (mPosition.x != ZERO_X || mPosition.y != ZERO_X || mPosition.z != ZERO_X)
+        glTranslatex(mPosition.x.raw(), mPosition.y.raw(), mPosition.z.raw());
+    if (mRotation != ZERO_X)
+        glRotatex(mRotation.raw(), 0, 0, ONE_X.raw());
+    if (mScale.x != ONE_X || mScale.y != ONE_X)
+        glScalex(mScale.x.raw(), mScale.y.raw(), ONE_X.raw());
+    const tColor saved = mColor;
+    mColor = tColor{255, 255, 0, 255};
+    applyColor(color);
+    mColor = saved;
+    glVertexPointer(2, GL_FIXED, 0, origin);
+    glDisable(GL_TEXTURE_2D);
+    glDisableClientState(GL_TEXTURE_COORD_ARRAY);
+    glPointSizex(size.raw());
+    glDrawArrays(GL_POINTS, 0, 1);
+    glEnableClientState(GL_TEXTURE_COORD_ARRAY);
+    glEnable(GL_TEXTURE_2D);
+    popTransform();
+}

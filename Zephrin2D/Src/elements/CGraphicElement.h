@@ -1,0 +1,101 @@
+#ifndef ZEPHRIN2D_CGRAPHICELEMENT_H
+#define ZEPHRIN2D_CGRAPHICELEMENT_H
+
+#include "tMatrix23.h"
+
+#include <boost/enable_shared_from_this.hpp>
+#include <boost/shared_ptr.hpp>
+#include <vector>
+
+class CDrawChunk;
+
+/// The base of everything that can be placed in a scene.
+///
+/// Holds the transform (position with depth, registration point, rotation in
+/// degrees, scale), the colour with its alpha, the visibility and the vertex
+/// chunks the element hands to the draw manager. Every transform setter marks
+/// the element's vertices dirty in the draw lists that hold its chunks; the
+/// colour and alpha setters do not (they show at the next immediate draw or
+/// vertex rebuild). Elements are always owned through boost::shared_ptr
+/// before they are given to the draw manager.
+class CGraphicElement : public boost::enable_shared_from_this<CGraphicElement>
+{
+public:
+    typedef std::vector<boost::shared_ptr<CDrawChunk> > tChunkList;
+
+    CGraphicElement();
+    /// Shares the chunks of other; the copy is not draw managed.
+    CGraphicElement(const CGraphicElement& other);
+    /// Takes other's state and chunks; a draw-managed target first withdraws its chunks.
+    CGraphicElement& operator=(const CGraphicElement& other);
+
+    virtual void draw() {}
+    /// Marks the registration point with a point of the given size (yellow unless a colour is given).
+    virtual void drawRegPoint(tFixed size, tColor* color);
+    virtual ~CGraphicElement();
+
+    virtual void rotateTo(tFixed degrees);
+    virtual void rotateBy(tFixed degrees);
+    /// Keeps z.
+    virtual void moveTo(tVect2 position);
+    virtual void moveTo(tVect3 position);
+    virtual void moveBy(tVect2 offset);
+    virtual void moveBy(tVect3 offset);
+    virtual void scaleXTo(tFixed scale);
+    virtual void scaleXBy(tFixed factor);
+    virtual void scaleYTo(tFixed scale);
+    virtual void scaleYBy(tFixed factor);
+    virtual void scaleTo(tVect2 scale);
+    virtual void scaleBy(tVect2 factor);
+    virtual void alphaTo(unsigned char alpha);
+    /// alpha = factor x alpha, truncated to 8 bits (a factor above 1.0 wraps).
+    virtual void alphaBy(tFixed factor);
+    virtual void moveRegTo(tVect2 reg);
+    virtual void moveRegBy(tVect2 offset);
+    /// All four bytes, alpha included.
+    virtual void setColor(tColor color);
+
+    virtual tVect3 getPos() const { return mPosition; }
+    virtual tFixed getX() const { return mPosition.x; }
+    virtual tFixed getY() const { return mPosition.y; }
+    virtual tFixed getZ() const { return mPosition.z; }
+    virtual tVect2 getScale() const { return mScale; }
+    virtual tFixed getXscale() const { return mScale.x; }
+    virtual tFixed getYscale() const { return mScale.y; }
+    virtual tFixed getRotation() const { return mRotation; }
+    virtual tVect2 getReg() const { return mReg; }
+    virtual tColor getColor() const { return mColor; }
+    virtual unsigned char getAlpha() const { return mColor.a; }
+
+    /// The local-to-scene transform, rebuilt when the transform changed.
+    virtual tMatrix23 getMatrix();
+    /// Shows or hides the element's chunks in the draw manager.
+    virtual void setVisibility(bool visible);
+    virtual bool getVisibility() const { return mVisible; }
+    virtual tChunkList& getChunks() { return mChunks; }
+    /// Pushes the model-view matrix and applies the transform for an immediate draw.
+    virtual void pushTransform();
+    virtual void popTransform();
+    /// Sets the GL colour: the given one, or the element's when null.
+    virtual void applyColor(tColor* color);
+    virtual void markDirtyVertices();
+    /// Draws at once, outside the draw manager, with an optional colour.
+    virtual void draw(tColor* color) = 0;
+
+    void setDrawManaged(bool managed) { mDrawManaged = managed; }
+    bool isDrawManaged() const { return mDrawManaged; }
+
+protected:
+    bool mMatrixDirty;
+    tMatrix23 mMatrix;
+    tVect3 mPosition;
+    tVect2 mReg;
+    tFixed mRotation;
+    tVect2 mScale;
+    tColor mColor;
+    bool mVisible;
+    tChunkList mChunks;
+    bool mDrawManaged;
+};
+
+#endif

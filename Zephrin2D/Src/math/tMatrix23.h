@@ -1,0 +1,29 @@
+#ifndef ZEPHRIN2D_TMATRIX23_H
+#define ZEPHRIN2D_TMATRIX23_H
+
+#include "tVect.h"
+
+/// A 2D affine transform with a depth offset:
+/// x' = m00 x + m01 y + m02, y' = m10 x + m11 y + m12, z' = z + this->z.
+struct tMatrix23
+{
+    tFixed m00, m01, m02;
+    tFixed m10, m11, m12;
+    tFixed z;
+
+    /// The identity.
+    tMatrix23();
+    tMatrix23(tVect2 reg, tVect2 scale, tFixed rotation, tVect3 position);
+
+    /// Moves reg to the origin, scales, rotates counter-clockwise by
+    /// rotation degrees, then moves to position. Note the argument order.
+    void setTransform(tVect2 reg, tVect2 scale, tFixed rotation, tVect3 position);
+
+    /// Each product is rounded on its own before the sums.
+    tVect3 operator*(const tVect3& v) const
+    {
+        return tVect3{m02 + m00 * v.x + m01 * v.y, m12 + m10 * v.x + m11 * v.y, v.z + z};
+    }
+};
+
+#endif

@@ -1,0 +1,44 @@
+#ifndef ZEPHRIN2D_CTEXTURE_H
+#define ZEPHRIN2D_CTEXTURE_H
+
+#include "tImageInfo.h"
+
+/// An image in RAM (palette and pixels in one block) and as a GL texture.
+///
+/// Producers fill the RAM image, then InitGLTexture() uploads it: paletted
+/// images go up as paletted compressed textures when the GPU takes the
+/// format, and are expanded to direct colour for the upload otherwise.
+/// Textures are nearest-filtered and clamped. Shared through
+/// boost::shared_ptr; not copyable.
+class CTexture
+{
+public:
+    CTexture();
+    CTexture(tImageInfo& info, bool clear);
+    virtual ~CTexture();
+
+    /// Allocates the RAM block for info (zeroed when clear); the GL texture is left alone.
+    void InitRAMTexture(tImageInfo info, bool clear);
+    /// A direct-colour copy of the paletted RAM image; the caller frees it with delete[].
+    unsigned char* ConvertImageToNoPalette(tImageInfo* outInfo);
+    /// (Re)creates the GL texture from the RAM image; leaves it bound.
+    void InitGLTexture();
+    void DeleteGLTexture();
+    void DeleteRAMTexture();
+
+    tImageInfo imageInfo;
+    bool inRAM;
+    unsigned char* buffer;
+    unsigned char* palette;
+    unsigned char* pixels;
+    GLuint glTextureId;
+
+private:
+    CTexture(const CTexture&);
+    CTexture& operator=(const CTexture&);
+};
+
+/// Whether value is one of the first count entries of list.
+bool isInList(int value, int* list, int count);
+
+#endif

@@ -1,0 +1,7 @@
+include(CMakeFindDependencyMacro)
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(GLIBMM REQUIRED IMPORTED_TARGET glibmm-2.4)
+pkg_check_modules(GLES REQUIRED IMPORTED_TARGET glesv1_cm)
+pkg_check_modules(EGL REQUIRED IMPORTED_TARGET egl)
+find_dependency(Boost)
+include(${CMAKE_CURRENT_LIST_DIR}/Zephrin2DTargets.cmake)

@@ -1,0 +1,125 @@
+#include "TestSupport.h"
+
+#include "CGraphics2D.h"
+
+#include <GLES/gl.h>
+#include <GLES/glext.h>
+#include <VellOpenGLConfig.h>
+
+namespace {
+
+class Graphics2DTest : public GLTest
+{
+protected:
+    Graphics2DTest() : GLTest(64, 48, tColor{255, 0, 128, 255}) {}
+};
+
+TEST_F(Graphics2DTest, InitSetsTheFixedState)
+{
+    struct { GLenum cap; bool on; } caps[] = {
+        {GL_DEPTH_TEST, true}, {GL_TEXTURE_2D, true}, {GL_ALPHA_TEST, true}, {GL_BLEND, true},
+        {GL_VERTEX_ARRAY, true}, {GL_TEXTURE_COORD_ARRAY, true}, {GL_COLOR_ARRAY, false},
+    };
+    for (const auto& c : caps)
+        EXPECT_EQ(glIsEnabled(c.cap) == GL_TRUE, c.on) << std::hex << c.cap;
+    GLint v = 0;
+    glGetIntegerv(GL_DEPTH_FUNC, &v);
+    EXPECT_EQ(v, GL_LEQUAL);
+    glGetIntegerv(GL_MATRIX_MODE, &v);
+    EXPECT_EQ(v, GL_MODELVIEW);
+    glGetIntegerv(GL_BLEND_SRC, &v);
+    EXPECT_EQ(v, GL_SRC_ALPHA);
+    EXPECT_FALSE(gl_checkError());
+}
+
+TEST_F(Graphics2DTest, ClearColourIsShiftedNotScaled)
+{
+    CGraphics2D::Instance()->clearBuffer();
+    EXPECT_EQ(pixel(10, 10), (tColor{254, 0, 128, 254})) << "0x8000 is exactly 0.5";
+}
+
+TEST_F(Graphics2DTest, PointLandsOnPixelCountedFromBottom)
+{
+    glDisable(GL_TEXTURE_2D);
+    glDisableClientState(GL_TEXTURE_COORD_ARRAY);
+    const GLfixed point[3] = {(5 << 16) + 0x8000, (7 << 16) + 0x8000, 0};
+    glVertexPointer(3, GL_FIXED, 0, point);
+    glColor4ub(0, 255, 0, 255);
+    glDrawArrays(GL_POINTS, 0, 1);
+    EXPECT_EQ(pixel(5, 7), (tColor{0, 255, 0, 255}));
+    EXPECT_NE(pixel(5, 8), (tColor{0, 255, 0, 255}));
+    ImageIO::tImage frame = readFrame();
+    const uint8_t* p = frame.at(5, frame.height - 1 - 7);
+    EXPECT_EQ(p[1], 255) << "read-back rows are top first";
+    glEnableClientState(GL_TEXTURE_COORD_ARRAY);
+    glEnable(GL_TEXTURE_2D);
+}
+
+TEST_F(Graphics2DTest, SecondInitChangesNothing)
+{
+    AssertCapture asserts;
+    Tadwick::Vell::VellOpenGLConfig* first = CGraphics2D::Instance()->getConfig();
+    glDisable(GL_BLEND);
+    EXPECT_TRUE(CGraphics2D::Instance()->init(tVect2{tFixed(10), tFixed(10)}, tColor{0, 0, 0, 0}, 1, 2));
+    EXPECT_EQ(CGraphics2D::Instance()->getConfig(), first);
+    EXPECT_FALSE(glIsEnabled(GL_BLEND));
+    EXPECT_TRUE(asserts.entries().empty()) << "the init assertion must not fire";
+}
+
+TEST_F(Graphics2DTest, CompressedFormatQueries)
+{
+    CGraphics2D* g = CGraphics2D::Instance();
+    EXPECT_TRUE(g->IsSupportedCompressedTexFormat(GL_PALETTE8_RGBA4_OES));
+    EXPECT_TRUE(g->IsSupportedCompressedTexFormat(GL_PALETTE4_R5_G6_B5_OES));
+    EXPECT_FALSE(g->IsSupportedCompressedTexFormat(0xFFFF));
+    EXPECT_FALSE(g->IsSupportedCompressedTexFormat(GL_RGBA));
+}
+
+TEST_F(Graphics2DTest, SwapKeepsTheFrameReadable)
+{
+    CGraphics2D::Instance()->clearBuffer();
+    EXPECT_TRUE(CGraphics2D::Instance()->swapBuffer());
+    ImageIO::tImage frame = readFrame();
+    ASSERT_EQ(frame.width, 64);
+    ASSERT_EQ(frame.height, 48);
+    EXPECT_EQ(frame.at(0, 0)[0], 254);
+}
+
+TEST(Graphics2DLifecycle, NoCompressedFormatsMeansNoneSupported)
+{
+    GLRecorder::setHideCompressedFormats(true);
+    CGraphics2D::Instance()->init(tVect2{tFixed(16), tFixed(16)}, tColor{0, 0, 0, 255}, 0, 0);
+    EXPECT_FALSE(CGraphics2D::Instance()->IsSupportedCompressedTexFormat(GL_PALETTE8_RGBA4_OES));
+    EXPECT_FALSE(CGraphics2D::Instance()->IsSupportedCompressedTexFormat(0xFFFF));
+    CGraphics2D::Instance()->cleanup();
+    GLRecorder::setHideCompressedFormats(false);
+}
+
+TEST(Graphics2DLifecycle, CleanupGivesAFreshContext)
+{
+    DebugCapture debug;
+    CGraphics2D* first = CGraphics2D::Instance();
+    first->init(tVect2{tFixed(16), tFixed(16)}, tColor{0, 0, 0, 255}, 0, 0);
+    first->cleanup();
+    CGraphics2D* second = CGraphics2D::Instance();
+    EXPECT_EQ(second->getConfig(), nullptr);
+    EXPECT_FALSE(second->IsSupportedCompressedTexFormat(GL_PALETTE8_RGBA4_OES));
+    EXPECT_TRUE(debug.has(2, "CGraphics2D::init()\n"));
+    EXPECT_TRUE(debug.has(2, "CGraphics2D::cleanup()\n"));
+    second->cleanup();
+}
+
+TEST_F(Graphics2DTest, CheckErrorNamesEachError)
+{
+    StdoutCapture out;
+    glPopMatrix();  // the model-view stack is empty
+    EXPECT_TRUE(gl_checkError());
+    EXPECT_FALSE(gl_checkError());
+    glEnable(0x1234);
+    EXPECT_TRUE(gl_checkError());
+    glLineWidthx(-1);
+    EXPECT_TRUE(gl_checkError());
+    EXPECT_EQ(out.finish(), "GL_STACK_UNDERFLOW\nGL_INVALID_ENUM\nGL_INVALID_VALUE\n");
+}
+
+} // namespace

@@ -1,0 +1,78 @@
+#include <BaseUtils.h>
+#include <DebugMPI.h>
+
+#include <cstdio>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace {
+
+std::string captureStderr(const std::function<void()>& body)
+{
+    fflush(stderr);
+    char name[] = "/tmp/z2d-stderr-XXXXXX";
+    int fd = mkstemp(name);
+    int saved = dup(2);
+    dup2(fd, 2);
+    body();
+    fflush(stderr);
+    dup2(saved, 2);
+    close(saved);
+    std::string text;
+    char buf[512];
+    lseek(fd, 0, SEEK_SET);
+    ssize_t n;
+    while ((n = read(fd, buf, sizeof buf)) > 0)
+        text.append(buf, n);
+    close(fd);
+    unlink(name);
+    return text;
+}
+
+TEST(Assert, PrintsOneLineAndReturns)
+{
+    std::string err = captureStderr([] {
+        BaseUtils::Assert(true, "Zephrin2D/Src/X", 1, "never");
+        BaseUtils::Assert(false, "Zephrin2D/Src/CBillboard", 42, "texture %s not found\n", "a.png");
+        BaseUtils::Assert(false, "Zephrin2D/Src/CActor2D", 7, "no newline %d", 3);
+    });
+    EXPECT_EQ(err, "ASSERT Zephrin2D/Src/CBillboard:42: texture a.png not found\n"
+                   "ASSERT Zephrin2D/Src/CActor2D:7: no newline 3\n");
+}
+
+TEST(Assert, HandlerReceivesExactMessage)
+{
+    std::vector<std::string> got;
+    BaseUtils::tAssertHandler previous = BaseUtils::SetAssertHandler(
+        [&](const char* file, int line, const std::string& m) { got.push_back(std::string(file) + "|" + m); });
+    std::string longText(2000, 'x');
+    BaseUtils::Assert(false, "F", 1, " lead %s\n", "blank");
+    BaseUtils::Assert(false, "F", 2, "%s", longText.c_str());
+    BaseUtils::SetAssertHandler(previous);
+    ASSERT_EQ(got.size(), 2u);
+    EXPECT_EQ(got[0], "F| lead blank\n");
+    EXPECT_EQ(got[1], "F|" + longText);
+}
+
+TEST(Debug, LevelFiltersStandardErrorButHandlerSeesAll)
+{
+    Tadwick::Vell::CDebugMPI debug(0x282);
+    const int saved = debug.GetDebugLevel();
+    debug.SetDebugLevel(2);
+    std::string err = captureStderr([&] {
+        debug.DebugOut(2, "shown %d\n", 2);
+        debug.DebugOut(3, "hidden\n");
+    });
+    EXPECT_EQ(err, "shown 2\n");
+    std::vector<std::pair<int, std::string> > got;
+    auto previous = Tadwick::Vell::CDebugMPI::SetHandler(
+        [&](int, int level, const std::string& t) { got.push_back({level, t}); });
+    debug.DebugOut(5, "verbose %s\n", "trace");
+    Tadwick::Vell::CDebugMPI::SetHandler(previous);
+    debug.SetDebugLevel(saved);
+    ASSERT_EQ(got.size(), 1u);
+    EXPECT_EQ(got[0].first, 5);
+    EXPECT_EQ(got[0].second, "verbose trace\n");
+}
+
+} // namespace

@@ -1,0 +1,167 @@
+#include "TestSupport.h"
+
+#include "CGraphics2D.h"
+
+#include <VellOpenGLConfig.h>
+
+#include <GLES/gl.h>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+AssertCapture::AssertCapture()
+{
+    mPrevious = BaseUtils::SetAssertHandler([this](const char* file, int line, const std::string& message) {
+        mEntries.push_back(tEntry{file, line, message});
+    });
+}
+
+AssertCapture::~AssertCapture() { BaseUtils::SetAssertHandler(mPrevious); }
+
+std::vector<std::string> AssertCapture::messages() const
+{
+    std::vector<std::string> out;
+    for (const tEntry& e : mEntries)
+        out.push_back(e.message);
+    return out;
+}
+
+bool AssertCapture::has(const std::string& message) const
+{
+    for (const tEntry& e : mEntries)
+        if (e.message == message)
+            return true;
+    return false;
+}
+
+DebugCapture::DebugCapture()
+{
+    mPrevious = Tadwick::Vell::CDebugMPI::SetHandler([this](int module, int level, const std::string& text) {
+        mEntries.push_back(tEntry{module, level, text});
+    });
+}
+
+DebugCapture::~DebugCapture() { Tadwick::Vell::CDebugMPI::SetHandler(mPrevious); }
+
+bool DebugCapture::has(const std::string& text) const
+{
+    for (const tEntry& e : mEntries)
+        if (e.text == text)
+            return true;
+    return false;
+}
+
+bool DebugCapture::has(int level, const std::string& text) const
+{
+    for (const tEntry& e : mEntries)
+        if (e.text == text && e.level == level)
+            return true;
+    return false;
+}
+
+StdoutCapture::StdoutCapture() : mDone(false)
+{
+    fflush(stdout);
+    char name[] = "/tmp/z2d-stdout-XXXXXX";
+    int fd = mkstemp(name);
+    mPath = name;
+    mSaved = dup(1);
+    dup2(fd, 1);
+    close(fd);
+}
+
+StdoutCapture::~StdoutCapture() { finish(); }
+
+std::string StdoutCapture::finish()
+{
+    if (mDone)
+        return std::string();
+    mDone = true;
+    fflush(stdout);
+    dup2(mSaved, 1);
+    close(mSaved);
+    std::ifstream in(mPath);
+    std::stringstream ss;
+    ss << in.rdbuf();
+    unlink(mPath.c_str());
+    return ss.str();
+}
+
+GLTest::GLTest(int width, int height, tColor clear) : mWidth(width), mHeight(height), mClear(clear) {}
+
+void GLTest::SetUp()
+{
+    Tadwick::Vell::VellOpenGLConfig::SetSurfaceSize(mWidth, mHeight);
+    CGraphics2D::Instance()->init(tVect2{tFixed(mWidth), tFixed(mHeight)}, mClear, 0, 0);
+    ASSERT_NE(CGraphics2D::Instance()->getConfig(), nullptr);
+    ASSERT_TRUE(CGraphics2D::Instance()->getConfig()->isValid());
+    CGraphics2D::Instance()->clearBuffer();
+}
+
+void GLTest::TearDown()
+{
+    GLRecorder::stop();
+    GLRecorder::clear();
+    GLRecorder::setHideCompressedFormats(false);
+    CGraphics2D::Instance()->cleanup();
+}
+
+ImageIO::tImage GLTest::readFrame() const
+{
+    ImageIO::tImage image;
+    Tadwick::Vell::VellOpenGLConfig* config = CGraphics2D::Instance()->getConfig();
+    if (config)
+        config->readPixels(image.rgba, image.width, image.height);
+    return image;
+}
+
+tColor GLTest::pixel(int x, int y) const
+{
+    uint8_t p[4] = {0, 0, 0, 0};
+    glReadPixels(x, y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, p);
+    return tColor{p[0], p[1], p[2], p[3]};
+}
+
+void GLTest::expectMatchesGolden(const std::string& name, int tolerance, long allowedPixels) const
+{
+    const std::string golden = std::string(Z2D_SOURCE_DIR) + "/tests/golden/" + name + ".png";
+    ImageIO::tImage frame = readFrame();
+    const char* update = getenv("ZEPHRIN2D_UPDATE_GOLDEN");
+    if (update && std::string(update) == "1") {
+        ASSERT_TRUE(ImageIO::writePNG(golden, frame)) << golden;
+        return;
+    }
+    ImageIO::tImage expected;
+    ASSERT_TRUE(ImageIO::readPNG(golden, expected)) << "missing golden image " << golden
+                                                    << " (run with ZEPHRIN2D_UPDATE_GOLDEN=1 to create it)";
+    ImageIO::tDifference d = ImageIO::compare(frame, expected, tolerance);
+    ASSERT_TRUE(d.sameSize) << name;
+    if (d.pixelsOver > allowedPixels) {
+        const std::string out = scratchDir("golden-failures") + "/" + name;
+        ImageIO::writePNG(out + ".actual.png", frame);
+        ImageIO::writePNG(out + ".diff.png", ImageIO::differenceImage(frame, expected, tolerance));
+        ADD_FAILURE() << name << ": " << d.pixelsOver << " pixels differ (max channel difference "
+                      << d.maxChannelDiff << "); see " << out << ".actual.png";
+    }
+}
+
+::std::ostream& operator<<(::std::ostream& os, const tColor& c)
+{
+    return os << "(" << int(c.r) << ", " << int(c.g) << ", " << int(c.b) << ", " << int(c.a) << ")";
+}
+
+std::string testDataPath(const std::string& relative) { return std::string(Z2D_TEST_DATA_DIR) + "/" + relative; }
+
+std::string examplesPath(const std::string& relative) { return std::string(Z2D_EXAMPLES_DIR) + "/" + relative; }
+
+std::string scratchDir(const std::string& name)
+{
+    std::string dir = std::string(Z2D_BINARY_DIR) + "/scratch";
+    mkdir(dir.c_str(), 0755);
+    dir += "/" + name;
+    mkdir(dir.c_str(), 0755);
+    return dir;
+}

@@ -1,0 +1,88 @@
+#include "ImageIO.h"
+
+#include <cstdio>
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <png.h>
+
+namespace ImageIO {
+
+bool writePNG(const std::string& path, const tImage& image)
+{
+    FILE* f = fopen(path.c_str(), "wb");
+    if (!f)
+        return false;
+    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, 0, 0, 0);
+    png_infop info = png ? png_create_info_struct(png) : 0;
+    if (!png || !info || setjmp(png_jmpbuf(png))) {
+        png_destroy_write_struct(&png, &info);
+        fclose(f);
+        return false;
+    }
+    png_init_io(png, f);
+    png_set_IHDR(png, info, image.width, image.height, 8, PNG_COLOR_TYPE_RGB_ALPHA, PNG_INTERLACE_NONE,
+                 PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+    png_write_info(png, info);
+    for (int y = 0; y < image.height; ++y)
+        png_write_row(png, const_cast<png_bytep>(image.at(0, y)));
+    png_write_end(png, 0);
+    png_destroy_write_struct(&png, &info);
+    return fclose(f) == 0;
+}
+
+bool readPNG(const std::string& path, tImage& image)
+{
+    png_image img;
+    memset(&img, 0, sizeof img);
+    img.version = PNG_IMAGE_VERSION;
+    if (!png_image_begin_read_from_file(&img, path.c_str()))
+        return false;
+    img.format = PNG_FORMAT_RGBA;
+    image.width = img.width;
+    image.height = img.height;
+    image.rgba.assign(PNG_IMAGE_SIZE(img), 0);
+    if (!png_image_finish_read(&img, 0, image.rgba.data(), 0, 0)) {
+        png_image_free(&img);
+        return false;
+    }
+    return true;
+}
+
+tDifference compare(const tImage& a, const tImage& b, int tolerance)
+{
+    tDifference d;
+    d.sameSize = a.width == b.width && a.height == b.height && a.rgba.size() == b.rgba.size();
+    if (!d.sameSize)
+        return d;
+    for (size_t p = 0; p + 3 < a.rgba.size(); p += 4) {
+        int worst = 0;
+        for (int c = 0; c < 4; ++c)
+            worst = std::max(worst, std::abs(int(a.rgba[p + c]) - int(b.rgba[p + c])));
+        d.maxChannelDiff = std::max(d.maxChannelDiff, worst);
+        if (worst > tolerance)
+            ++d.pixelsOver;
+    }
+    return d;
+}
+
+tImage differenceImage(const tImage& a, const tImage& b, int tolerance)
+{
+    tImage out = a;
+    if (a.width != b.width || a.height != b.height)
+        return out;
+    for (size_t p = 0; p + 3 < a.rgba.size(); p += 4) {
+        int worst = 0;
+        for (int c = 0; c < 4; ++c)
+            worst = std::max(worst, std::abs(int(a.rgba[p + c]) - int(b.rgba[p + c])));
+        if (worst > tolerance) {
+            out.rgba[p] = 255; out.rgba[p + 1] = 0; out.rgba[p + 2] = 0;
+        } else {
+            for (int c = 0; c < 3; ++c) out.rgba[p + c] = a.rgba[p + c] / 3;
+        }
+        out.rgba[p + 3] = 255;
+    }
+    return out;
+}
+
+} // namespace ImageIO
