@@ -13,15 +13,22 @@
 class CTexture
 {
 public:
+    /// The largest width or height a RAM image may have; larger ones are refused.
+    static constexpr uint32_t MAX_SIDE = 2048;
+
     CTexture();
     CTexture(tImageInfo& info, bool clear);
     virtual ~CTexture();
 
-    /// Allocates the RAM block for info (zeroed when clear); the GL texture is left alone.
+    /// Allocates the RAM block for info (zeroed when clear); the GL texture is
+    /// left alone. A description that cannot be held (bad enumerations, a side
+    /// above MAX_SIDE) is reported and leaves no RAM image.
     void InitRAMTexture(tImageInfo info, bool clear);
-    /// A direct-colour copy of the paletted RAM image; the caller frees it with delete[].
+    /// A direct-colour copy of the paletted RAM image; the caller frees it with
+    /// delete[]. Bytes not produced are zero; null when there is no RAM image.
     unsigned char* ConvertImageToNoPalette(tImageInfo* outInfo);
-    /// (Re)creates the GL texture from the RAM image; leaves it bound.
+    /// (Re)creates the GL texture from the RAM image; leaves it bound. Without
+    /// a RAM image the texture name is made but nothing is uploaded.
     void InitGLTexture();
     void DeleteGLTexture();
     void DeleteRAMTexture();
