@@ -1,0 +1,13 @@
+#ifndef ZEPHRIN2D_TOOLS_VERIFY_H
+#define ZEPHRIN2D_TOOLS_VERIFY_H
+
+#include "DsetCompiler.h"
+
+#include <string>
+
+/// Loads a compiled dataset back and checks that it holds the same content
+/// as its JSON source; on a difference, error says where.
+bool verifyDataset(DsetCompiler::tKind kind, const std::string& jsonPath, const std::string& dsetPath,
+                   std::string& error);
+
+#endif
