@@ -1,7 +1,6 @@
-// Placeholder until textures land: keeps the library linking.
 #include "CTextureManager.h"
 
-#include "CTexture.h"
+#include "CTexturePNG.h"
 
 CTextureManager* CTextureManager::mInstance = 0;
 
@@ -17,11 +16,42 @@ CTextureManager* CTextureManager::Instance()
 
 void CTextureManager::Destroy()
 {
+    if (mInstance)
+        mInstance->deleteAll();
     delete mInstance;
     mInstance = 0;
 }
 
-boost::shared_ptr<CTexture> CTextureManager::get(const Glib::ustring&) { return boost::shared_ptr<CTexture>(); }
-boost::shared_ptr<CTexture> CTextureManager::load(const Glib::ustring&, bool, bool, bool) { return boost::shared_ptr<CTexture>(); }
-bool CTextureManager::unload(const Glib::ustring&) { return false; }
-void CTextureManager::deleteAll() { mTextures.clear(); }
+boost::shared_ptr<CTexture> CTextureManager::get(const Glib::ustring& path)
+{
+    std::map<std::string, boost::weak_ptr<CTexture> >::iterator it = mTextures.find(path.collate_key());
+    if (it == mTextures.end())
+        return boost::shared_ptr<CTexture>();
+    return it->second.lock();
+}
+
+boost::shared_ptr<CTexture> CTextureManager::load(const Glib::ustring& path, bool createGLTexture, bool keepRAMImage,
+                                                  bool expandIndices)
+{
+    boost::shared_ptr<CTexture> texture = get(path);
+    if (texture)
+        return texture;
+    texture.reset(new CTexturePNG(path, createGLTexture, keepRAMImage, expandIndices));
+    if (!texture->inRAM && texture->glTextureId == 0)
+        return boost::shared_ptr<CTexture>();
+    mTextures[path.collate_key()] = texture;
+    return texture;
+}
+
+bool CTextureManager::unload(const Glib::ustring& path)
+{
+    if (!get(path))
+        return false;
+    mTextures.erase(path.collate_key());
+    return true;
+}
+
+void CTextureManager::deleteAll()
+{
+    mTextures.clear();
+}
