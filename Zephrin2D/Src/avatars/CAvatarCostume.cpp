@@ -1,5 +1,7 @@
 #include "CAvatarCostume.h"
 
+#include "Avatar2DPiece.h"
+
 #include "CDsetReader.h"
 #include "CTexture.h"
 #include "CTextureManager.h"
@@ -51,7 +53,22 @@ tFixed fixedOf(const QJN::Value& v) { return tFixed::fromDouble(v.asDouble()); }
 
 AvatarCostume::AvatarCostume() : mLOD(-1) {}
 
-AvatarCostume::~AvatarCostume() {}
+AvatarCostume::~AvatarCostume()
+{
+    for (Avatar2DPiece* piece : mPieces)
+        piece->costumeGone();
+}
+
+void AvatarCostume::attachPiece(Avatar2DPiece* piece)
+{
+    if (std::find(mPieces.begin(), mPieces.end(), piece) == mPieces.end())
+        mPieces.push_back(piece);
+}
+
+void AvatarCostume::detachPiece(Avatar2DPiece* piece)
+{
+    mPieces.erase(std::remove(mPieces.begin(), mPieces.end(), piece), mPieces.end());
+}
 
 void AvatarCostume::clear()
 {
@@ -258,7 +275,16 @@ void AvatarCostume::addFromDset(const Glib::ustring& path)
         mLOD = mLODs.front().size;
 }
 
-void AvatarCostume::setLOD(int lod) { mLOD = lod; }
+void AvatarCostume::setLOD(int lod)
+{
+    if (lod == mLOD)
+        return;
+    mLOD = lod;
+    // A piece may be showing an LOD that is no longer current: rebuild them all.
+    const std::vector<Avatar2DPiece*> pieces = mPieces;
+    for (Avatar2DPiece* piece : pieces)
+        piece->refresh();
+}
 
 const tAvatarLOD* AvatarCostume::currentLOD() const
 {

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+class Avatar2DPiece;
 class CTexture;
 class CDataset;
 namespace QJN { class Value; }
@@ -75,7 +76,8 @@ public:
     /// (and below 9999), else the largest; -1 when sizes is empty.
     static int mapLOD(int requested, const std::vector<int>& sizes);
 
-    /// Selects the LOD whose size is lod (or the one it maps to among those loaded).
+    /// Selects the LOD whose size is lod (or the one it maps to among those
+    /// loaded); the pieces showing this costume rebuild themselves.
     void setLOD(int lod);
     int getLOD() const { return mLOD; }
 
@@ -89,6 +91,10 @@ public:
     void debugDump();
 
 private:
+    friend class Avatar2DPiece;
+    void attachPiece(Avatar2DPiece* piece);
+    void detachPiece(Avatar2DPiece* piece);
+
     AvatarCostume(const AvatarCostume&);
     AvatarCostume& operator=(const AvatarCostume&);
 
@@ -100,6 +106,7 @@ private:
     std::vector<tAvatarLOD> mLODs;
     std::map<std::string, std::pair<Glib::ustring, Glib::ustring> > mAudio;  ///< key -> (name, URI)
     std::vector<boost::shared_ptr<CDataset> > mDatasets;
+    std::vector<Avatar2DPiece*> mPieces;
 };
 
 #endif
