@@ -40,6 +40,8 @@ public:
 
     /// Whether the list takes translucent chunks (fixed by its first chunk).
     virtual bool isTranslucent() const = 0;
+    /// Whether the list holds this very pair.
+    virtual bool contains(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) const = 0;
 };
 
 #endif

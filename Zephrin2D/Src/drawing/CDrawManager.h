@@ -47,6 +47,10 @@ public:
     const std::deque<boost::shared_ptr<CDrawList> >& getTranslucentLists() const { return mTranslucentLists; }
 
 private:
+    /// The list that holds the pair, or empty.
+    boost::shared_ptr<CDrawList> listOf(const boost::shared_ptr<CGraphicElement>& element,
+                                        const boost::shared_ptr<CDrawChunk>& chunk) const;
+
     CDrawManager();
     ~CDrawManager();
     CDrawManager(const CDrawManager&);
