@@ -8,8 +8,10 @@
 ///
 /// Searched in order: the directories the host added, then those of
 /// ZEPHRIN2D_ART_PATH (colon-separated), then the library's own art
-/// directory (which holds "missingAsset.png"). A name that already is an
-/// existing path comes back unchanged. A name found nowhere gives "".
+/// directory (which holds "missingAsset.png"). Audio is looked for first in
+/// the host's audio directories and ZEPHRIN2D_AUDIO_PATH, then along the art
+/// list. The environment is read when the instance is made. A name that
+/// already is an existing path comes back unchanged. A name found nowhere gives "".
 class CSystemData
 {
 public:
@@ -32,6 +34,8 @@ private:
 
     std::vector<Glib::ustring> mArtPaths;
     std::vector<Glib::ustring> mAudioPaths;
+    std::vector<Glib::ustring> mEnvArtPaths;
+    std::vector<Glib::ustring> mEnvAudioPaths;
     static CSystemData* mInstance;
 };
 

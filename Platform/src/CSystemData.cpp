@@ -1,19 +1,118 @@
-// Placeholder: replaced by the platform's asset lookup.
 #include "SystemData.h"
+
+#include <cstdlib>
+#include <sys/stat.h>
 
 CSystemData* CSystemData::mInstance = 0;
 
-CSystemData::CSystemData() {}
+namespace {
+
+bool exists(const std::string& path)
+{
+    struct stat info;
+    return !path.empty() && stat(path.c_str(), &info) == 0 && !S_ISDIR(info.st_mode);
+}
+
+void appendEnvironmentList(const char* variable, std::vector<Glib::ustring>& dirs)
+{
+    const char* value = getenv(variable);
+    if (!value)
+        return;
+    std::string list(value);
+    size_t start = 0;
+    while (start <= list.size()) {
+        size_t end = list.find(':', start);
+        if (end == std::string::npos)
+            end = list.size();
+        if (end > start)
+            dirs.push_back(list.substr(start, end - start));
+        start = end + 1;
+    }
+}
+
+} // namespace
+
+CSystemData::CSystemData()
+{
+    appendEnvironmentList("ZEPHRIN2D_ART_PATH", mEnvArtPaths);
+    appendEnvironmentList("ZEPHRIN2D_AUDIO_PATH", mEnvAudioPaths);
+}
+
 CSystemData* CSystemData::Instance()
 {
     if (!mInstance)
-        mInstance = new CSystemData();
+        mInstance = new CSystemData;
     return mInstance;
 }
-void CSystemData::Destroy() { delete mInstance; mInstance = 0; }
-Glib::ustring CSystemData::FindArt(const Glib::ustring& name) const { return name; }
-Glib::ustring CSystemData::FindAudio(const Glib::ustring& name) const { return name; }
-void CSystemData::AddArtPath(const Glib::ustring&) {}
-void CSystemData::AddAudioPath(const Glib::ustring&) {}
-void CSystemData::ClearPaths() {}
-Glib::ustring CSystemData::GetLibraryArtDirectory() const { return ""; }
+
+void CSystemData::Destroy()
+{
+    delete mInstance;
+    mInstance = 0;
+}
+
+Glib::ustring CSystemData::FindArt(const Glib::ustring& name) const
+{
+    std::vector<Glib::ustring> dirs(mArtPaths);
+    dirs.insert(dirs.end(), mEnvArtPaths.begin(), mEnvArtPaths.end());
+    dirs.push_back(GetLibraryArtDirectory());
+    return find(name, dirs);
+}
+
+Glib::ustring CSystemData::FindAudio(const Glib::ustring& name) const
+{
+    std::vector<Glib::ustring> dirs(mAudioPaths);
+    dirs.insert(dirs.end(), mEnvAudioPaths.begin(), mEnvAudioPaths.end());
+    dirs.insert(dirs.end(), mArtPaths.begin(), mArtPaths.end());
+    dirs.insert(dirs.end(), mEnvArtPaths.begin(), mEnvArtPaths.end());
+    dirs.push_back(GetLibraryArtDirectory());
+    return find(name, dirs);
+}
+
+void CSystemData::AddArtPath(const Glib::ustring& directory)
+{
+    if (!directory.empty())
+        mArtPaths.push_back(directory);
+}
+
+void CSystemData::AddAudioPath(const Glib::ustring& directory)
+{
+    if (!directory.empty())
+        mAudioPaths.push_back(directory);
+}
+
+void CSystemData::ClearPaths()
+{
+    mArtPaths.clear();
+    mAudioPaths.clear();
+}
+
+Glib::ustring CSystemData::GetLibraryArtDirectory() const
+{
+    static const std::string installed = ZEPHRIN2D_INSTALLED_ART_DIR;
+    if (exists(installed + "/missingAsset.png"))
+        return installed;
+    return ZEPHRIN2D_SOURCE_ART_DIR;
+}
+
+Glib::ustring CSystemData::find(const Glib::ustring& name, const std::vector<Glib::ustring>& dirs) const
+{
+    const std::string raw = name.raw();
+    if (raw.empty())
+        return Glib::ustring();
+    if (exists(raw))
+        return name;
+    if (raw[0] == '/')
+        return Glib::ustring();
+    for (size_t i = 0; i < dirs.size(); ++i) {
+        std::string candidate = dirs[i].raw();
+        if (candidate.empty())
+            continue;
+        if (candidate[candidate.size() - 1] != '/')
+            candidate += '/';
+        candidate += raw;
+        if (exists(candidate))
+            return candidate;
+    }
+    return Glib::ustring();
+}
