@@ -1,0 +1,131 @@
+#include "TestSupport.h"
+#include "RecordingChunk.h"
+
+#include "CSprite.h"
+#include "CSpriteCel.h"
+
+#include <boost/make_shared.hpp>
+
+namespace {
+
+/// An element with the chunks it is given.
+class Piece : public CGraphicElement
+{
+public:
+    explicit Piece(std::vector<int> mergeKeys)
+    {
+        for (int k : mergeKeys)
+            mChunks.push_back(boost::make_shared<RecordingChunk>(k));
+    }
+    void draw(tColor*) override {}
+};
+
+boost::shared_ptr<Piece> piece(std::vector<int> keys, int x = 0)
+{
+    boost::shared_ptr<Piece> p = boost::make_shared<Piece>(keys);
+    p->moveTo(tVect2{tFixed(x), ZERO_X});
+    return p;
+}
+
+int keyOf(const boost::shared_ptr<CDrawChunk>& c) { return static_cast<RecordingChunk*>(c.get())->mMergeKey; }
+
+class SpriteTest : public ::testing::Test
+{
+protected:
+    void SetUp() override { CDrawManager::Destroy(); }
+    void TearDown() override { CDrawManager::Destroy(); }
+};
+
+TEST_F(SpriteTest, AttachMergesWhatCanMergeInAttachOrder)
+{
+    struct { const char* name; std::vector<std::vector<int> > children; std::vector<int> keys; std::vector<size_t> vertices; } cases[] = {
+        {"same kind twice", {{1}, {1}}, {1}, {2}},
+        {"different kinds", {{1}, {2}}, {1, 2}, {1, 1}},
+        {"merge into the first that takes it", {{2}, {1}, {2, 1}}, {2, 1}, {2, 2}},
+        {"chunks that never merge", {{-1}, {-1}}, {-1, -1}, {1, 1}},
+        {"one child, several chunks", {{3, 3}}, {3}, {2}},
+        {"no chunks", {{}}, {}, {}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        boost::shared_ptr<CSprite> sprite = boost::make_shared<CSprite>();
+        CSprite::tElementList children;
+        for (const auto& keys : c.children)
+            children.push_back(piece(keys));
+        sprite->attach(children);
+        std::vector<int> keys;
+        std::vector<size_t> vertices;
+        for (const auto& chunk : sprite->getChunks()) {
+            keys.push_back(keyOf(chunk));
+            vertices.push_back(chunk->getVertices().size());
+        }
+        EXPECT_EQ(keys, c.keys);
+        EXPECT_EQ(vertices, c.vertices);
+    }
+}
+
+TEST_F(SpriteTest, AttachBakesTheChildTransformAndKeepsTheChildAlone)
+{
+    boost::shared_ptr<CSprite> sprite = boost::make_shared<CSprite>();
+    boost::shared_ptr<Piece> a = piece({1}, 10);
+    boost::shared_ptr<Piece> b = piece({1}, 30);
+    sprite->attach(a);
+    sprite->attach(b);
+    ASSERT_EQ(sprite->getChunks().size(), 1u);
+    const std::vector<tVect3>& v = sprite->getChunks()[0]->getVertices();
+    ASSERT_EQ(v.size(), 2u);
+    EXPECT_EQ(v[0].x, tFixed(10));
+    EXPECT_EQ(v[1].x, tFixed(30));
+    EXPECT_EQ(a->getChunks()[0]->getVertices()[0].x, ZERO_X) << "the child's chunk is not changed";
+    EXPECT_NE(sprite->getChunks()[0], a->getChunks()[0]);
+}
+
+TEST_F(SpriteTest, AttachWhileRegisteredSwapsChunksInTheLists)
+{
+    boost::shared_ptr<CSprite> sprite = boost::make_shared<CSprite>();
+    sprite->attach(piece({1}));
+    CDrawManager::Instance()->add(sprite);
+    ASSERT_TRUE(sprite->isDrawManaged());
+    sprite->attach(piece({1}));
+    sprite->attach(piece({2}));
+    std::vector<CDrawChunk*> expected;
+    for (const auto& chunk : sprite->getChunks())
+        expected.push_back(chunk.get());
+    EXPECT_EQ(registeredChunks(sprite.get()), expected);
+}
+
+TEST_F(SpriteTest, AttachingNothingIsReported)
+{
+    AssertCapture asserts;
+    boost::shared_ptr<CSprite> sprite = boost::make_shared<CSprite>();
+    sprite->attach(boost::shared_ptr<CGraphicElement>());
+    EXPECT_TRUE(asserts.has("CSprite::attach empty element\n"));
+    EXPECT_TRUE(sprite->getChunks().empty());
+}
+
+TEST_F(SpriteTest, CelSortsOperationsByCode)
+{
+    struct { int opcode; const char* list; } cases[] = {
+        {0, ""}, {1, "exit"}, {2, "exit"}, {3, "enter"}, {4, "enter"}, {5, "enter"}, {6, ""}, {-1, ""},
+    };
+    for (const auto& c : cases) {
+        CSpriteCel cel;
+        cel.pushBackOperation(c.opcode, 4);
+        operation op = {c.opcode, 5};
+        cel.pushBackOperation(op);
+        tOperationList::const_iterator enterBegin, enterEnd, exitBegin, exitEnd;
+        cel.getEnterOpcodeIterators(enterBegin, enterEnd);
+        cel.getExitOpcodeIterators(exitBegin, exitEnd);
+        const std::string list = c.list;
+        EXPECT_EQ(enterEnd - enterBegin, list == "enter" ? 2 : 0) << c.opcode;
+        EXPECT_EQ(exitEnd - exitBegin, list == "exit" ? 2 : 0) << c.opcode;
+        tOperationList::const_iterator first = list == "exit" ? exitBegin : enterBegin;
+        if (!list.empty()) {
+            EXPECT_EQ(first[0].oparg, 4);
+            EXPECT_EQ(first[1].oparg, 5);
+        }
+    }
+    EXPECT_EQ(CSpriteCel().duration, 0);
+}
+
+} // namespace

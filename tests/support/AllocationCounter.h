@@ -1,0 +1,13 @@
+#ifndef ZEPHRIN2D_TESTS_ALLOCATIONCOUNTER_H
+#define ZEPHRIN2D_TESTS_ALLOCATIONCOUNTER_H
+
+/// Counts every call of the global operator new in the test executable
+/// (replaced in AllocationCounter.cpp), so that a test can check that a
+/// steady-state path allocates nothing.
+namespace AllocationCounter {
+
+unsigned long count();
+
+} // namespace AllocationCounter
+
+#endif
