@@ -159,7 +159,7 @@ TEST(QJN, DeepNestingFailsCleanly)
 
 TEST(QJN, LoadReadsFilesAndReportsMissingOnes)
 {
-    std::string path = std::string(Z2D_BINARY_DIR) + "/qjn-test.json";
+    std::string path = std::string(Z2D_BINARY_DIR) + "/qjn-test-" + std::to_string(getpid()) + ".json";
     FILE* f = fopen(path.c_str(), "wb");
     ASSERT_TRUE(f);
     fputs("[{\"ElementType\": \"Billboard\", \"x\": 12.5}]", f);

@@ -1,0 +1,189 @@
+#include <Dataset.h>
+#include <DebugMPI.h>
+
+#include <cstdio>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+using Tadwick::Vell::CDebugMPI;
+
+typedef std::vector<uint32_t> Words;
+
+// A small dataset: header, a root record {count, pointer to list, pointer to
+// name, null pointer}, a list of two words, and a string.
+Words goodDataset()
+{
+    return Words{CDataset::kMagic, CDataset::kVersion, 12,
+                 2, 28, 36, 0,             // root record at 12
+                 0x11111111, 0x22222222,   // list at 28
+                 0x00696821};              // "!hi" at 36
+}
+Words goodRelink() { return Words{16, 20, 24}; }
+
+struct Files
+{
+    // Per process: ctest may run the tests of this file in parallel.
+    std::string stem = std::string(Z2D_BINARY_DIR) + "/dataset-test-" + std::to_string(getpid());
+    std::string dset = stem + ".dsetBin";
+    std::string relink = stem + ".relinkBin";
+    ~Files()
+    {
+        unlink(dset.c_str());
+        unlink(relink.c_str());
+    }
+    static void write(const std::string& path, const void* bytes, size_t n)
+    {
+        FILE* f = fopen(path.c_str(), "wb");
+        ASSERT_TRUE(f);
+        if (n) {
+            ASSERT_EQ(fwrite(bytes, 1, n, f), n);
+        }
+        fclose(f);
+    }
+    void write(const Words& data, const Words& relinkWords)
+    {
+        write(dset, data.data(), data.size() * 4);
+        write(relink, relinkWords.data(), relinkWords.size() * 4);
+    }
+};
+
+struct Messages
+{
+    Messages()
+    {
+        previous = CDebugMPI::SetHandler([this](int, int level, const std::string& t) {
+            if (level <= 1)
+                text += t;
+        });
+    }
+    ~Messages() { CDebugMPI::SetHandler(previous); }
+    std::string text;
+    CDebugMPI::tHandler previous;
+};
+
+uint32_t word(const void* p)
+{
+    uint32_t v;
+    memcpy(&v, p, 4);
+    return v;
+}
+
+TEST(Dataset, FixesPointersBelow4GiB)
+{
+    Files files;
+    files.write(goodDataset(), goodRelink());
+    boost::shared_ptr<CDataset> d = LoadDataset(files.dset.c_str(), files.relink.c_str());
+    ASSERT_TRUE(d);
+    ASSERT_TRUE(d->base);
+    EXPECT_EQ(d->size, 40u);
+    EXPECT_LE(uint64_t(uintptr_t(d->base)) + d->size, uint64_t(1) << 32);
+    const uint8_t* base = static_cast<const uint8_t*>(d->base);
+    EXPECT_EQ(d->data, base + 12);
+    const uint32_t* root = static_cast<const uint32_t*>(d->data);
+    EXPECT_EQ(root[0], 2u);
+    EXPECT_EQ(root[1], uint32_t(uintptr_t(base + 28)));
+    EXPECT_EQ(root[2], uint32_t(uintptr_t(base + 36)));
+    EXPECT_EQ(root[3], 0u) << "a null pointer stays null";
+    const uint32_t* list = reinterpret_cast<const uint32_t*>(uintptr_t(root[1]));
+    EXPECT_EQ(list[1], 0x22222222u);
+    EXPECT_STREQ(reinterpret_cast<const char*>(uintptr_t(root[2])), "!hi");
+
+    EXPECT_TRUE(d->contains(base, 40));
+    EXPECT_TRUE(d->contains(base + 36, 4));
+    EXPECT_FALSE(d->contains(base + 37, 4));
+    EXPECT_FALSE(d->contains(base - 1, 1));
+    EXPECT_FALSE(d->contains(base, 41));
+    EXPECT_FALSE(d->contains(base + 8, size_t(-1)));
+}
+
+TEST(Dataset, EmptyRelinkFileIsValid)
+{
+    Files files;
+    files.write(Words{CDataset::kMagic, CDataset::kVersion, 12, 7}, Words{});
+    boost::shared_ptr<CDataset> d = LoadDataset(files.dset.c_str(), files.relink.c_str());
+    ASSERT_TRUE(d);
+    EXPECT_EQ(word(d->data), 7u);
+}
+
+struct BrokenCase
+{
+    const char* what;
+    Words data;
+    Words relink;
+    const char* message;
+};
+
+TEST(Dataset, BrokenDatasetsAreRefusedWithAMessage)
+{
+    Words d = goodDataset();
+    auto with = [](Words w, size_t i, uint32_t v) { w[i] = v; return w; };
+    const BrokenCase cases[] = {
+        {"bad magic", with(d, 0, 0x46464952), goodRelink(), "bad magic"},
+        {"bad version", with(d, 1, 2), goodRelink(), "version 2"},
+        {"root outside", with(d, 2, 40), goodRelink(), "root offset 40"},
+        {"root in header", with(d, 2, 4), goodRelink(), "root offset 4"},
+        {"relink outside", d, Words{16, 40}, "relink offset 40 outside"},
+        {"relink straddles the end", d, Words{38}, "relink offset 38 outside"},
+        {"relink huge", d, Words{0xFFFFFFFEu}, "relink offset 4294967294 outside"},
+        {"relink unaligned", d, Words{17}, "relink offset 17 not 4-byte aligned"},
+        {"relink into header", d, Words{8}, "relink offset 8 inside the header"},
+        {"pointer outside", with(d, 4, 40), goodRelink(), "holds 40, outside"},
+        {"pointer huge", with(d, 5, 0x80000000u), goodRelink(), "outside the dataset"},
+        {"relink twice", d, Words{16, 20, 16}, "listed more than once"},
+    };
+    for (const BrokenCase& c : cases) {
+        SCOPED_TRACE(c.what);
+        Files files;
+        files.write(c.data, c.relink);
+        Messages messages;
+        EXPECT_FALSE(LoadDataset(files.dset.c_str(), files.relink.c_str()));
+        EXPECT_NE(messages.text.find(c.message), std::string::npos) << messages.text;
+        EXPECT_EQ(messages.text.find("LoadDataset: "), 0u) << messages.text;
+    }
+}
+
+TEST(Dataset, UnreadableOrTruncatedFilesAreRefused)
+{
+    Files files;
+    const uint8_t shortHeader[] = {0x5A, 0x44, 0x53, 0x54, 1, 0, 0, 0};
+    const uint8_t oddRelink[] = {16, 0, 0, 0, 20, 0};
+    struct Case
+    {
+        const char* what;
+        const void* dset;
+        size_t dsetBytes;
+        const void* relink;
+        size_t relinkBytes;
+        bool writeRelink;
+        const char* message;
+    };
+    Words d = goodDataset();
+    Words r = goodRelink();
+    const Case cases[] = {
+        {"truncated header", shortHeader, sizeof shortHeader, r.data(), 12, true, "shorter than the 12-byte header"},
+        {"empty dataset", "", 0, r.data(), 12, true, "shorter than"},
+        {"missing relink", d.data(), d.size() * 4, 0, 0, false, "could not read the relink file"},
+        {"ragged relink", d.data(), d.size() * 4, oddRelink, sizeof oddRelink, true, "not a whole number"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        unlink(files.relink.c_str());
+        Files::write(files.dset, c.dset, c.dsetBytes);
+        if (c.writeRelink)
+            Files::write(files.relink, c.relink, c.relinkBytes);
+        Messages messages;
+        EXPECT_FALSE(LoadDataset(files.dset.c_str(), files.relink.c_str()));
+        EXPECT_NE(messages.text.find(c.message), std::string::npos) << messages.text;
+    }
+    Messages messages;
+    EXPECT_FALSE(LoadDataset("/nonexistent/scene.dsetBin", "/nonexistent/scene.relinkBin"));
+    EXPECT_EQ(messages.text, "LoadDataset: /nonexistent/scene.dsetBin: could not read the dataset\n");
+    EXPECT_FALSE(LoadDataset(Z2D_BINARY_DIR, files.relink.c_str()));
+    EXPECT_FALSE(LoadDataset(0, 0));
+}
+
+} // namespace
