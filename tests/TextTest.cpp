@@ -1,0 +1,151 @@
+#include "TestSupport.h"
+
+#include "CDrawManager.h"
+#include "CGraphics2D.h"
+#include "CText.h"
+
+#include <GLES/gl.h>
+
+namespace {
+
+Glib::ustring kFont = "DejaVu Sans";
+
+boost::shared_ptr<CText> makeText(const char* text, unsigned char size)
+{
+    boost::shared_ptr<CText> t(new CText(text, kFont, size));
+    return t;
+}
+
+TEST(Text, NextHighestPowerOfTwo)
+{
+    const unsigned int cases[][2] = {{0, 1}, {1, 1}, {2, 2}, {3, 4}, {5, 8}, {255, 256}, {512, 512}, {513, 1024}};
+    for (const auto& c : cases)
+        EXPECT_EQ(CText::nextHighestPowerOfTwo(c[0]), c[1]) << c[0];
+}
+
+class TextTest : public GLTest
+{
+protected:
+    TextTest() : GLTest(128, 64) {}
+
+    int litInColumn(int x, int y0, int y1)
+    {
+        int lit = 0;
+        for (int y = y0; y <= y1; ++y)
+            lit += pixel(x, y).r > 128;
+        return lit;
+    }
+};
+
+TEST_F(TextTest, TextureSidesArePowersOfTwoCappedAt512)
+{
+    struct { const char* text; unsigned char size; } cases[] = {
+        {"Hi", 12}, {"Zephrin2D draws text", 16}, {"a much longer line of text that will not fit in 512 pixels at all", 24},
+    };
+    for (const auto& c : cases) {
+        boost::shared_ptr<CText> t = makeText(c.text, c.size);
+        const int width = t->getStringWidth();
+        const Tadwick::Vell::tFontMetrics m = t->getFontMetrics();
+        t->remakeTexture();
+        const int wantW = std::min(512u, CText::nextHighestPowerOfTwo(width));
+        const int wantH = std::min(512u, CText::nextHighestPowerOfTwo(m.ascent - m.descent));
+        EXPECT_EQ(t->getTextureWidth(), wantW) << c.text;
+        EXPECT_EQ(t->getTextureHeight(), wantH) << c.text;
+        EXPECT_EQ(t->getReg(), (tVect2{ZERO_X, tFixed(wantH - m.ascent)})) << "origin on the baseline";
+    }
+}
+
+TEST_F(TextTest, RebuildsOnlyWhenASettingChanged)
+{
+    boost::shared_ptr<CText> empty(new CText());
+    GLRecorder::start();
+    empty->remakeTexture();
+    EXPECT_EQ(GLRecorder::count("glTexImage2D"), 0u) << "empty text keeps the old texture";
+
+    boost::shared_ptr<CText> t = makeText("Hello", 14);
+    CDrawManager::Instance()->add(t);
+    CDrawManager::Instance()->drawAll();
+    GLRecorder::clear();
+    CDrawManager::Instance()->drawAll();
+    EXPECT_EQ(GLRecorder::count("glTexImage2D"), 0u);
+    t->setText("Hello again");
+    EXPECT_EQ(GLRecorder::count("glTexImage2D"), 1u) << "a registered text is rebuilt at once";
+    t->moveTo(tVect2{tFixed(3), tFixed(4)});
+    EXPECT_EQ(GLRecorder::count("glTexImage2D"), 1u) << "moving is not a text setting";
+    CDrawManager::Instance()->remove(t);
+}
+
+TEST_F(TextTest, OriginSitsOnTheBaseline)
+{
+    boost::shared_ptr<CText> t = makeText("H", 24);
+    t->moveTo(tVect2{tFixed(20), tFixed(20)});
+    CDrawManager::Instance()->add(t);
+    CGraphics2D::Instance()->clearBuffer();
+    CDrawManager::Instance()->drawAll();
+    // The left stem of the H: lit from the baseline up, dark below it.
+    int stem = -1;
+    for (int x = 20; x < 30 && stem < 0; ++x)
+        if (litInColumn(x, 20, 30) > 8)
+            stem = x;
+    ASSERT_GE(stem, 0) << "no glyph stem found right of the origin";
+    EXPECT_GT(pixel(stem, 20).r, 128);
+    EXPECT_LT(pixel(stem, 19).r, 64);
+    CDrawManager::Instance()->remove(t);
+}
+
+TEST_F(TextTest, ImmediateDrawMatchesBatchedDraw)
+{
+    boost::shared_ptr<CText> t = makeText("Ag", 20);
+    t->moveTo(tVect3{tFixed(30), tFixed(25), ZERO_X});
+    t->setColor(tColor{255, 255, 255, 255});
+    CGraphics2D::Instance()->clearBuffer();
+    t->draw(nullptr);
+    ImageIO::tImage immediate = readFrame();
+    CDrawManager::Instance()->add(t);
+    CGraphics2D::Instance()->clearBuffer();
+    CDrawManager::Instance()->drawAll();
+    ImageIO::tImage batched = readFrame();
+    ImageIO::tDifference d = ImageIO::compare(immediate, batched, 2);
+    EXPECT_EQ(d.pixelsOver, 0);
+    CDrawManager::Instance()->remove(t);
+}
+
+TEST_F(TextTest, FontThatCannotLoadIsReported)
+{
+    DebugCapture debug;
+    Glib::ustring missing = "/no/such/font.ttf";
+    boost::shared_ptr<CText> t(new CText("text", missing, 12));
+    t->remakeTexture();
+    EXPECT_TRUE(debug.has(3, "*** CText::setFont - could not load font.\n"));
+    t->setText("again");
+    t->remakeTexture();
+    int reports = 0;
+    for (const auto& e : debug.entries())
+        reports += e.text == "*** CText::setFont - could not load font.\n";
+    EXPECT_EQ(reports, 2) << "each preparation tries to load again";
+}
+
+class TextGoldenTest : public GLTest
+{
+protected:
+    TextGoldenTest() : GLTest(160, 96, tColor{20, 30, 60, 255}) {}
+};
+
+TEST_F(TextGoldenTest, WrappedTextInEachAlignment)
+{
+    const char* names[3] = {"text-left", "text-center", "text-right"};
+    for (int align = 0; align < 3; ++align) {
+        boost::shared_ptr<CText> t = makeText("The quick brown fox jumps over the lazy dog", 14);
+        t->forceRectSize(128, 64);
+        t->setAlignment(align);
+        t->setColor(tColor{255, 220, 120, 255});
+        t->moveTo(tVect2{tFixed(16), tFixed(60)});
+        CDrawManager::Instance()->add(t);
+        CGraphics2D::Instance()->clearBuffer();
+        CDrawManager::Instance()->drawAll();
+        expectMatchesGolden(names[align], 8, 10);
+        CDrawManager::Instance()->remove(t);
+    }
+}
+
+} // namespace
