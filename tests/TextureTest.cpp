@@ -1,0 +1,436 @@
+#include "TestSupport.h"
+
+#include "CTexture.h"
+
+#include <GLES/gl.h>
+#include <GLES/glext.h>
+
+#include <cstring>
+#include <memory>
+
+namespace {
+
+int bitsOf(tPalType pal)
+{
+    switch (pal) {
+    case PAL_PALETTE1: return 1;
+    case PAL_PALETTE2: return 2;
+    case PAL_PALETTE4: return 4;
+    default: return 8;
+    }
+}
+
+/// Packs indices most significant bits first, as the RAM image stores them.
+std::vector<uint8_t> packIndices(const std::vector<int>& indices, int bits)
+{
+    std::vector<uint8_t> out((indices.size() * bits + 7) / 8, 0);
+    for (size_t i = 0; i < indices.size(); ++i)
+        out[i * bits / 8] |= indices[i] << (8 - bits - (i * bits) % 8);
+    return out;
+}
+
+std::vector<int> patternIndices(uint32_t w, uint32_t h, unsigned long entries)
+{
+    std::vector<int> out;
+    for (uint32_t y = 0; y < h; ++y)
+        for (uint32_t x = 0; x < w; ++x)
+            out.push_back((x * 3 + y * 5) % entries);
+    return out;
+}
+
+/// A paletted RAM texture with entry i's byte b = f(i, b) and the given indices.
+std::unique_ptr<CTexture> paletted(tPalType pal, kPixelFormat format, uint32_t w, uint32_t h,
+                                   const std::vector<int>& indices)
+{
+    tImageInfo info{pal, format, w, h};
+    std::unique_ptr<CTexture> t(new CTexture(info, true));
+    const unsigned long bpe = info.GetBytesPerEntry();
+    for (unsigned long i = 0; i < info.GetNumPaletteEntries(); ++i)
+        for (unsigned long b = 0; b < bpe; ++b)
+            t->palette[i * bpe + b] = static_cast<uint8_t>(i * 29 + b * 7 + 1);
+    std::vector<uint8_t> packed = packIndices(indices, bitsOf(pal));
+    std::memcpy(t->pixels, packed.data(), std::min<size_t>(packed.size(), info.GetImageSize()));
+    return t;
+}
+
+TEST(Texture, RAMLayout)
+{
+    struct { tImageInfo info; bool hasPalette; unsigned long pixelOffset; } cases[] = {
+        {{PAL_PALETTE4, kPixelFormatRGBA8888, 16, 16}, true, 64},
+        {{PAL_PALETTE8, kPixelFormatRGB565, 16, 16}, true, 512},
+        {{PAL_PALETTE1, kPixelFormatRGB888, 8, 8}, true, 6},
+        {{PAL_NONE, kPixelFormatRGBA8888, 8, 8}, false, 0},
+    };
+    for (auto& c : cases) {
+        CTexture t(c.info, false);
+        ASSERT_TRUE(t.inRAM);
+        EXPECT_EQ(t.palette, c.hasPalette ? t.buffer : nullptr);
+        EXPECT_EQ(t.pixels, t.buffer + c.pixelOffset);
+        EXPECT_EQ(t.glTextureId, 0u);
+    }
+}
+
+TEST(Texture, ClearZeroesAReusedBlock)
+{
+    tImageInfo info{PAL_PALETTE4, kPixelFormatRGB565, 16, 16};
+    CTexture t(info, false);
+    std::memset(t.buffer, 0xAB, info.GetTotalSize());
+    t.InitRAMTexture(info, true);
+    ASSERT_TRUE(t.inRAM);
+    for (unsigned long i = 0; i < info.GetTotalSize(); ++i)
+        ASSERT_EQ(t.buffer[i], 0) << i;
+}
+
+TEST(Texture, DeletingTwiceIsHarmless)
+{
+    tImageInfo info{PAL_NONE, kPixelFormatRGB888, 4, 4};
+    CTexture t(info, true);
+    t.DeleteRAMTexture();
+    t.DeleteRAMTexture();
+    EXPECT_FALSE(t.inRAM);
+    EXPECT_EQ(t.buffer, nullptr);
+    EXPECT_EQ(t.palette, nullptr);
+    EXPECT_EQ(t.pixels, nullptr);
+    t.DeleteGLTexture();
+    EXPECT_EQ(t.glTextureId, 0u);
+}
+
+TEST(Texture, RefusesDescriptionsItCannotHold)
+{
+    struct { tImageInfo info; const char* message; } cases[] = {
+        {{PAL_NONE, kPixelFormatRGBA8888, 4096, 16},
+         "CTexture::InitRAMTexture - cannot hold a 4096 x 16 image of palType 5, pixelFormat 3\n"},
+        {{PAL_PALETTE8, kPixelFormatRGB565, 16, 100000},
+         "CTexture::InitRAMTexture - cannot hold a 16 x 100000 image of palType 4, pixelFormat 2\n"},
+        {{static_cast<tPalType>(0), kPixelFormatRGB565, 16, 16},
+         "CTexture::InitRAMTexture - cannot hold a 16 x 16 image of palType 0, pixelFormat 2\n"},
+        {{PAL_NONE, static_cast<kPixelFormat>(7), 16, 16},
+         "CTexture::InitRAMTexture - cannot hold a 16 x 16 image of palType 5, pixelFormat 7\n"},
+    };
+    for (auto& c : cases) {
+        AssertCapture asserts;
+        tImageInfo small{PAL_NONE, kPixelFormatRGB888, 4, 4};
+        CTexture t(small, true);
+        t.InitRAMTexture(c.info, true);
+        EXPECT_FALSE(t.inRAM);
+        EXPECT_EQ(t.buffer, nullptr);
+        EXPECT_EQ(asserts.messages(), std::vector<std::string>{c.message});
+    }
+}
+
+TEST(Texture, DepalettizesEachIndexWidth)
+{
+    struct { tPalType pal; kPixelFormat format; uint32_t w, h; const char* log; } cases[] = {
+        {PAL_PALETTE1, kPixelFormatRGB565, 16, 3, "Depalettizing a PAL_PALETTE1\n"},
+        {PAL_PALETTE2, kPixelFormatRGB888, 8, 4, "Depalettizing a PAL_PALETTE2\n"},
+        {PAL_PALETTE4, kPixelFormatRGBA8888, 16, 16, "Depalettizing a PAL_PALETTE4\n"},
+        {PAL_PALETTE4, kPixelFormatRGBA4444, 4, 2, "Depalettizing a PAL_PALETTE4\n"},
+        {PAL_PALETTE8, kPixelFormatRGB565, 16, 8, "Depalettizing a PAL_PALETTE8\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.log);
+        tImageInfo info{c.pal, c.format, c.w, c.h};
+        const std::vector<int> indices = patternIndices(c.w, c.h, info.GetNumPaletteEntries());
+        std::unique_ptr<CTexture> t = paletted(c.pal, c.format, c.w, c.h, indices);
+        DebugCapture debug;
+        tImageInfo out{};
+        std::unique_ptr<unsigned char[]> rgb(t->ConvertImageToNoPalette(&out));
+        ASSERT_NE(rgb, nullptr);
+        EXPECT_TRUE(debug.has(3, c.log));
+        EXPECT_EQ(out.palType, PAL_NONE);
+        EXPECT_EQ(out.pixelFormat, c.format);
+        EXPECT_EQ(out.width, c.w);
+        EXPECT_EQ(out.height, c.h);
+        const unsigned long bpe = info.GetBytesPerEntry();
+        for (size_t p = 0; p < indices.size(); ++p)
+            ASSERT_EQ(0, std::memcmp(rgb.get() + p * bpe, t->palette + indices[p] * bpe, bpe)) << "pixel " << p;
+        EXPECT_EQ(t->imageInfo.palType, c.pal) << "the RAM image stays paletted";
+    }
+}
+
+TEST(Texture, DepalettizingReadsTheLeftmostPixelFromTheHighBits)
+{
+    tImageInfo info{PAL_PALETTE1, kPixelFormatRGB888, 8, 1};
+    CTexture t(info, true);
+    const uint8_t palette[] = {1, 2, 3, 4, 5, 6};
+    std::memcpy(t.palette, palette, sizeof palette);
+    t.pixels[0] = 0x81;
+    tImageInfo out{};
+    std::unique_ptr<unsigned char[]> rgb(t.ConvertImageToNoPalette(&out));
+    EXPECT_EQ(std::vector<uint8_t>(rgb.get(), rgb.get() + 24),
+              (std::vector<uint8_t>{4, 5, 6, 1, 2, 3, 1, 2, 3, 1, 2, 3, 1, 2, 3, 1, 2, 3, 1, 2, 3, 4, 5, 6}));
+}
+
+TEST(Texture, DepalettizingAnUnevenWidthDropsTrailingPixels)
+{
+    AssertCapture asserts;
+    tImageInfo info{PAL_PALETTE2, kPixelFormatRGB888, 6, 2};
+    CTexture t(info, true);
+    for (int i = 0; i < 12; ++i)
+        t.palette[i] = static_cast<uint8_t>(i / 3 + 1);
+    t.pixels[0] = 0x1B;  // 0 1 2 3
+    t.pixels[1] = 0xE4;  // 3 2 1 0
+    tImageInfo out{};
+    std::unique_ptr<unsigned char[]> rgb(t.ConvertImageToNoPalette(&out));
+    std::vector<uint8_t> expected;
+    for (int index : {0, 1, 2, 3, 3, 2, 1, 0, -1, -1, -1, -1})
+        expected.insert(expected.end(), 3, static_cast<uint8_t>(index + 1));
+    EXPECT_EQ(std::vector<uint8_t>(rgb.get(), rgb.get() + 36), expected);
+}
+
+TEST(Texture, DepalettizingNeedsAPalettedRAMImage)
+{
+    AssertCapture asserts;
+    tImageInfo info{PAL_NONE, kPixelFormatRGB888, 4, 4};
+    CTexture direct(info, true);
+    tImageInfo out{};
+    delete[] direct.ConvertImageToNoPalette(&out);
+    EXPECT_EQ(asserts.messages(), std::vector<std::string>{"ConvertImageToNoPalette: image already non-paletted\n"});
+
+    asserts.clear();
+    CTexture empty;
+    EXPECT_EQ(empty.ConvertImageToNoPalette(&out), nullptr);
+    EXPECT_EQ(asserts.messages(), std::vector<std::string>{"ConvertImageToNoPalette: image not in RAM\n"});
+}
+
+TEST(Texture, IsInList)
+{
+    int list[] = {3, -1, 7};
+    struct { int value; int count; bool expected; } cases[] = {
+        {3, 3, true}, {7, 3, true}, {-1, 2, true}, {7, 2, false}, {3, 0, false}, {3, -5, false}, {4, 3, false},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(isInList(c.value, list, c.count), c.expected) << c.value << " in " << c.count;
+}
+
+// ---- GL uploads ----
+
+class TextureGLTest : public GLTest
+{
+protected:
+    /// Draws the texture over the pixels (0, 0) to (w, h), texel row 0 at the bottom.
+    void drawQuad(GLuint id, int w, int h)
+    {
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+        glBindTexture(GL_TEXTURE_2D, id);
+        const GLfixed v[] = {0, 0, w << 16, 0, 0, h << 16, w << 16, h << 16};
+        const GLfixed tc[] = {0, 0, 0x10000, 0, 0, 0x10000, 0x10000, 0x10000};
+        glColor4x(0x10000, 0x10000, 0x10000, 0x10000);
+        glVertexPointer(2, GL_FIXED, 0, v);
+        glTexCoordPointer(2, GL_FIXED, 0, tc);
+        glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
+    }
+
+    /// A 16x16 paletted texture whose entry i is (i, 7i, 3i) in nibbles, opaque.
+    std::unique_ptr<CTexture> nibblePalette(tPalType pal)
+    {
+        tImageInfo info{pal, kPixelFormatRGBA4444, 16, 16};
+        std::unique_ptr<CTexture> t(new CTexture(info, true));
+        for (unsigned long i = 0; i < info.GetNumPaletteEntries(); ++i) {
+            const unsigned short v = info.PackColor16(nibbleColor(i));
+            std::memcpy(t->palette + 2 * i, &v, 2);
+        }
+        std::vector<uint8_t> packed = packIndices(patternIndices(16, 16, 16), bitsOf(pal));
+        std::memcpy(t->pixels, packed.data(), packed.size());
+        return t;
+    }
+    static tColor nibbleColor(unsigned long i)
+    {
+        return tColor{static_cast<uint8_t>((i & 15) * 17), static_cast<uint8_t>((i * 7 & 15) * 17),
+                      static_cast<uint8_t>((i * 3 & 15) * 17), 255};
+    }
+    void expectPattern(const char* what)
+    {
+        for (int y = 0; y < 16; y += 5)
+            for (int x = 0; x < 16; x += 3)
+                EXPECT_EQ(pixel(x, y), nibbleColor((x * 3 + y * 5) % 16)) << what << " at " << x << "," << y;
+    }
+};
+
+TEST_F(TextureGLTest, PalettedImageGoesUpCompressed)
+{
+    struct { tPalType pal; kPixelFormat format; GLenum internal; long size; } cases[] = {
+        {PAL_PALETTE8, kPixelFormatRGBA4444, GL_PALETTE8_RGBA4_OES, 512 + 256},
+        {PAL_PALETTE4, kPixelFormatRGB565, GL_PALETTE4_R5_G6_B5_OES, 32 + 128},
+    };
+    for (const auto& c : cases) {
+        tImageInfo info{c.pal, c.format, 16, 16};
+        CTexture t(info, true);
+        DebugCapture debug;
+        GLRecorder::clear();
+        GLRecorder::start();
+        t.InitGLTexture();
+        GLRecorder::stop();
+        const auto uploads = GLRecorder::callsNamed("glCompressedTexImage2D");
+        ASSERT_EQ(uploads.size(), 1u);
+        EXPECT_EQ(uploads[0].args, (std::vector<long>{GL_TEXTURE_2D, 0, (long)c.internal, 16, 16, 0, c.size}));
+        EXPECT_EQ(GLRecorder::count("glTexImage2D"), 0u);
+        char log[80];
+        snprintf(log, sizeof log, "Calling glCompressedTexImage2D with internalFormat %x\n", c.internal);
+        EXPECT_TRUE(debug.has(3, log));
+        EXPECT_FALSE(debug.has("CTexture::InitGLTexture 2 OpenGL Error 0x500, may have run out of memory\n"));
+    }
+}
+
+TEST_F(TextureGLTest, OneAndTwoBitPalettesAreAlwaysExpanded)
+{
+    tImageInfo info{PAL_PALETTE1, kPixelFormatRGB565, 16, 16};
+    CTexture t(info, true);
+    DebugCapture debug;
+    GLRecorder::start();
+    t.InitGLTexture();
+    GLRecorder::stop();
+    EXPECT_EQ(GLRecorder::count("glCompressedTexImage2D"), 0u);
+    const auto uploads = GLRecorder::callsNamed("glTexImage2D");
+    ASSERT_EQ(uploads.size(), 1u);
+    EXPECT_EQ(uploads[0].args,
+              (std::vector<long>{GL_TEXTURE_2D, 0, GL_RGB, 16, 16, 0, GL_RGB, GL_UNSIGNED_SHORT_5_6_5}));
+    EXPECT_TRUE(debug.has(3, "Warning: Unsupported compressed tex image format ffff, depalettizing\n"));
+    EXPECT_TRUE(debug.has(3, ">> Calling glTexImage2D with internalFormat 1907, type 8363\n"));
+}
+
+TEST_F(TextureGLTest, DirectColourUploadAndState)
+{
+    tImageInfo info{PAL_NONE, kPixelFormatRGBA8888, 8, 8};
+    CTexture t(info, true);
+    GLRecorder::start();
+    t.InitGLTexture();
+    GLRecorder::stop();
+    const auto uploads = GLRecorder::callsNamed("glTexImage2D");
+    ASSERT_EQ(uploads.size(), 1u);
+    EXPECT_EQ(uploads[0].args, (std::vector<long>{GL_TEXTURE_2D, 0, GL_RGBA, 8, 8, 0, GL_RGBA, GL_UNSIGNED_BYTE}));
+
+    GLint bound = 0;
+    glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
+    EXPECT_EQ(static_cast<GLuint>(bound), t.glTextureId);
+    struct { GLenum pname; GLint value; } params[] = {
+        {GL_TEXTURE_MIN_FILTER, GL_NEAREST}, {GL_TEXTURE_MAG_FILTER, GL_NEAREST},
+        {GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE}, {GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE},
+    };
+    for (const auto& p : params) {
+        GLint v = 0;
+        glGetTexParameteriv(GL_TEXTURE_2D, p.pname, &v);
+        EXPECT_EQ(v, p.value) << std::hex << p.pname;
+    }
+}
+
+TEST_F(TextureGLTest, SecondUploadReplacesTheTextureName)
+{
+    tImageInfo info{PAL_NONE, kPixelFormatRGB888, 4, 4};
+    CTexture t(info, true);
+    t.InitGLTexture();
+    const GLuint first = t.glTextureId;
+    GLRecorder::start();
+    t.InitGLTexture();
+    GLRecorder::stop();
+    ASSERT_GE(GLRecorder::calls().size(), 2u);
+    EXPECT_EQ(GLRecorder::calls()[0].name, "glDeleteTextures");
+    EXPECT_EQ(GLRecorder::calls()[0].args[1], (long)first);
+    EXPECT_EQ(GLRecorder::calls()[1].name, "glGenTextures");
+    EXPECT_NE(t.glTextureId, 0u);
+    EXPECT_FALSE(glIsTexture(first) && first != t.glTextureId);
+}
+
+TEST_F(TextureGLTest, GLTextureOutlivesTheRAMImageAndDiesWithTheObject)
+{
+    std::unique_ptr<CTexture> t = nibblePalette(PAL_PALETTE4);
+    t->InitGLTexture();
+    t->DeleteRAMTexture();
+    const GLuint id = t->glTextureId;
+    drawQuad(id, 16, 16);
+    expectPattern("after dropping the RAM image");
+    t.reset();
+    EXPECT_FALSE(glIsTexture(id));
+}
+
+TEST_F(TextureGLTest, UploadWithoutRAMImageMakesAnEmptyTexture)
+{
+    AssertCapture asserts;
+    CTexture t;
+    GLRecorder::start();
+    t.InitGLTexture();
+    GLRecorder::stop();
+    EXPECT_EQ(asserts.messages(), std::vector<std::string>{"CTexture::InitGLTexture - image not in RAM\n"});
+    EXPECT_NE(t.glTextureId, 0u);
+    EXPECT_EQ(GLRecorder::count("glTexImage2D") + GLRecorder::count("glCompressedTexImage2D"), 0u);
+}
+
+TEST_F(TextureGLTest, PendingGLErrorIsLoggedBeforeDirectUpload)
+{
+    tImageInfo info{PAL_NONE, kPixelFormatRGB888, 4, 4};
+    CTexture t(info, true);
+    DebugCapture debug;
+    glEnable(0x1234);
+    t.InitGLTexture();
+    EXPECT_TRUE(debug.has(3, "CTexture::InitGLTexture 1 OpenGL Error 0x500, before calling glTexImage2D\n"));
+    EXPECT_FALSE(debug.has(3, "CTexture::InitGLTexture 1 OpenGL Error 0x500, may have run out of memory\n"));
+}
+
+TEST_F(TextureGLTest, CompressedAndExpandedUploadsDrawTheSame)
+{
+    for (tPalType pal : {PAL_PALETTE4, PAL_PALETTE8}) {
+        SCOPED_TRACE(pal);
+        std::unique_ptr<CTexture> compressed = nibblePalette(pal);
+        compressed->InitGLTexture();
+        drawQuad(compressed->glTextureId, 16, 16);
+        const ImageIO::tImage a = readFrame();
+        expectPattern("compressed");
+
+        tImageInfo direct{};
+        std::unique_ptr<unsigned char[]> rgb(compressed->ConvertImageToNoPalette(&direct));
+        CTexture expanded(direct, false);
+        std::memcpy(expanded.buffer, rgb.get(), direct.GetTotalSize());
+        expanded.InitGLTexture();
+        drawQuad(expanded.glTextureId, 16, 16);
+        const ImageIO::tImage b = readFrame();
+        EXPECT_EQ(ImageIO::compare(a, b, 0).pixelsOver, 0);
+    }
+}
+
+class TextureWithoutCompressionTest : public TextureGLTest
+{
+protected:
+    void SetUp() override
+    {
+        GLRecorder::setHideCompressedFormats(true);
+        TextureGLTest::SetUp();
+    }
+};
+
+TEST_F(TextureWithoutCompressionTest, PalettedImagesAreExpandedForUpload)
+{
+    struct { kPixelFormat format; GLenum glFormat; GLenum type; } cases[] = {
+        {kPixelFormatRGBA8888, GL_RGBA, GL_UNSIGNED_BYTE},
+        {kPixelFormatRGB565, GL_RGB, GL_UNSIGNED_SHORT_5_6_5},
+        {kPixelFormatRGBA4444, GL_RGBA, GL_UNSIGNED_SHORT_4_4_4_4},
+        {kPixelFormatRGB888, GL_RGB, GL_UNSIGNED_BYTE},
+    };
+    for (const auto& c : cases) {
+        tImageInfo info{PAL_PALETTE4, c.format, 16, 16};
+        CTexture t(info, true);
+        GLRecorder::clear();
+        GLRecorder::start();
+        t.InitGLTexture();
+        GLRecorder::stop();
+        EXPECT_EQ(GLRecorder::count("glCompressedTexImage2D"), 0u);
+        const auto uploads = GLRecorder::callsNamed("glTexImage2D");
+        ASSERT_EQ(uploads.size(), 1u);
+        EXPECT_EQ(uploads[0].args,
+                  (std::vector<long>{GL_TEXTURE_2D, 0, (long)c.glFormat, 16, 16, 0, (long)c.glFormat, (long)c.type}));
+        EXPECT_EQ(t.imageInfo.palType, PAL_PALETTE4);
+        EXPECT_TRUE(t.inRAM);
+        EXPECT_EQ(t.palette, t.buffer);
+    }
+}
+
+TEST_F(TextureWithoutCompressionTest, ExpandedUploadDrawsThePalette)
+{
+    for (tPalType pal : {PAL_PALETTE4, PAL_PALETTE8}) {
+        std::unique_ptr<CTexture> t = nibblePalette(pal);
+        t->InitGLTexture();
+        drawQuad(t->glTextureId, 16, 16);
+        expectPattern(pal == PAL_PALETTE4 ? "4-bit" : "8-bit");
+    }
+}
+
+} // namespace
