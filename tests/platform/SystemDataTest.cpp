@@ -1,0 +1,111 @@
+#include <SystemData.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+// Three art directories, each holding some of the files, so that the order of
+// the search decides which one is found.
+class SystemData : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        root = std::string(Z2D_BINARY_DIR) + "/systemdata-" + std::to_string(getpid());
+        for (const char* d : {"", "/host", "/env1", "/env2", "/audio", "/host/sub"})
+            mkdir((root + d).c_str(), 0755);
+        touch("/host/both.png");
+        touch("/env1/both.png");
+        touch("/env1/env.png");
+        touch("/env2/env.png");
+        touch("/env2/late.png");
+        touch("/env2/missingAsset.png");
+        touch("/host/sub/deep.png");
+        touch("/audio/clip.ogg");
+        touch("/env1/clip.ogg");
+        touch("/env1/artside.ogg");
+        setenv("ZEPHRIN2D_ART_PATH", (root + "/env1::" + root + "/env2/").c_str(), 1);
+        setenv("ZEPHRIN2D_AUDIO_PATH", (root + "/audio").c_str(), 1);
+        CSystemData::Destroy();
+        data = CSystemData::Instance();
+        data->AddArtPath(root + "/host");
+    }
+    void TearDown() override
+    {
+        CSystemData::Destroy();
+        unsetenv("ZEPHRIN2D_ART_PATH");
+        unsetenv("ZEPHRIN2D_AUDIO_PATH");
+        std::string command = "rm -rf '" + root + "'";
+        EXPECT_EQ(system(command.c_str()), 0);
+    }
+    void touch(const char* name)
+    {
+        FILE* f = fopen((root + name).c_str(), "w");
+        ASSERT_TRUE(f);
+        fclose(f);
+    }
+    std::string root;
+    CSystemData* data = 0;
+};
+
+TEST_F(SystemData, SearchOrder)
+{
+    struct Case { const char* name; std::string expected; };
+    const Case cases[] = {
+        {"both.png", root + "/host/both.png"},
+        {"env.png", root + "/env1/env.png"},
+        {"late.png", root + "/env2/late.png"},
+        {"sub/deep.png", root + "/host/sub/deep.png"},
+        {"missingAsset.png", root + "/env2/missingAsset.png"},
+        {"nowhere.png", ""},
+        {"", ""},
+        {"sub", ""},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(data->FindArt(c.name).raw(), c.expected) << c.name;
+}
+
+TEST_F(SystemData, ExistingPathComesBackAsItIs)
+{
+    const std::string path = root + "/env2/late.png";
+    EXPECT_EQ(data->FindArt(path).raw(), path);
+    EXPECT_EQ(data->FindAudio(path).raw(), path);
+    EXPECT_EQ(data->FindArt(root + "/host/late.png").raw(), "") << "a missing absolute path is not searched";
+}
+
+TEST_F(SystemData, AudioLooksInAudioDirectoriesThenArt)
+{
+    EXPECT_EQ(data->FindAudio("clip.ogg").raw(), root + "/audio/clip.ogg");
+    EXPECT_EQ(data->FindAudio("artside.ogg").raw(), root + "/env1/artside.ogg");
+    data->AddAudioPath(root + "/env1");
+    EXPECT_EQ(data->FindAudio("clip.ogg").raw(), root + "/env1/clip.ogg");
+}
+
+TEST_F(SystemData, ClearPathsKeepsEnvironmentAndLibrary)
+{
+    data->ClearPaths();
+    EXPECT_EQ(data->FindArt("both.png").raw(), root + "/env1/both.png");
+    CSystemData::Destroy();
+    unsetenv("ZEPHRIN2D_ART_PATH");
+    data = CSystemData::Instance();
+    EXPECT_EQ(data->FindArt("both.png").raw(), "");
+    EXPECT_EQ(data->FindArt("missingAsset.png").raw(), data->GetLibraryArtDirectory() + "/missingAsset.png");
+}
+
+TEST(LibraryArt, PlaceholderIsAPng)
+{
+    Glib::ustring path = CSystemData::Instance()->FindArt("missingAsset.png");
+    ASSERT_FALSE(path.empty());
+    FILE* f = fopen(path.c_str(), "rb");
+    ASSERT_TRUE(f);
+    unsigned char signature[8] = {0};
+    EXPECT_EQ(fread(signature, 1, 8, f), 8u);
+    fclose(f);
+    EXPECT_EQ(std::string(reinterpret_cast<char*>(signature), 8), "\x89PNG\r\n\x1a\n");
+}
+
+} // namespace
