@@ -6,7 +6,10 @@
 /// steady-state path allocates nothing.
 namespace AllocationCounter {
 
+/// Calls of operator new so far.
 unsigned long count();
+/// Bytes obtained through operator new and not yet given back.
+long liveBytes();
 
 } // namespace AllocationCounter
 

@@ -1,0 +1,272 @@
+#include "TestSupport.h"
+#include "AllocationCounter.h"
+#include "RecordingChunk.h"
+
+#include "CActor2D.h"
+#include "CDrawManager.h"
+#include "CGraphics2D.h"
+#include "CSprite.h"
+#include "CTexturedChunk.h"
+#include "CTexturedDrawList.h"
+
+#include <GLES/gl.h>
+#include <boost/make_shared.hpp>
+
+namespace {
+
+/// One textured rectangle.
+class Quad : public CGraphicElement
+{
+public:
+    Quad(GLuint texture, int x, int y, int w, int h)
+    {
+        boost::shared_ptr<CTexturedChunk> chunk = boost::make_shared<CTexturedChunk>(4, 6);
+        const tVect3 corners[4] = {{tFixed(x), tFixed(y + h), ZERO_X}, {tFixed(x + w), tFixed(y + h), ZERO_X},
+                                   {tFixed(x), tFixed(y), ZERO_X}, {tFixed(x + w), tFixed(y), ZERO_X}};
+        const uint16_t indices[6] = {0, 1, 2, 2, 1, 3};
+        std::copy(corners, corners + 4, chunk->getVertices().begin());
+        std::copy(indices, indices + 6, chunk->getIndices().begin());
+        chunk->setTextureId(texture, false);
+        mChunks.push_back(chunk);
+    }
+    void draw(tColor*) override {}
+};
+
+const tColor RED = {255, 0, 0, 255};
+const tColor GREEN = {0, 255, 0, 255};
+const tColor BLUE = {0, 0, 255, 255};
+// The clear colour as it reads back: its alpha 1.0 is shifted into 8 bits, not scaled.
+const tColor BLACK = {0, 0, 0, 254};
+
+class ActorDrawTest : public GLTest
+{
+protected:
+    void TearDown() override
+    {
+        for (GLuint t : mTextures)
+            glDeleteTextures(1, &t);
+        GLTest::TearDown();
+    }
+
+    GLuint texture(tColor c)
+    {
+        GLuint t = 0;
+        glGenTextures(1, &t);
+        glBindTexture(GL_TEXTURE_2D, t);
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+        const uint8_t rgb[3] = {c.r, c.g, c.b};
+        glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGB, 1, 1, 0, GL_RGB, GL_UNSIGNED_BYTE, rgb);
+        mTextures.push_back(t);
+        return t;
+    }
+
+    static tActor2DFrameStruct cel(unsigned short duration, GLuint texture, int x = 0, int y = 0, int size = 32)
+    {
+        Quad quad(texture, x, y, size, size);
+        tActor2DFrameStruct frame = {duration, {}, {}, quad.getChunks()};
+        return frame;
+    }
+
+    static void frame()
+    {
+        CGraphics2D::Instance()->clearBuffer();
+        CDrawManager::Instance()->drawAll();
+    }
+
+    /// Entries of the textured list for this GL texture (0 when it has none).
+    static size_t entries(GLuint texture)
+    {
+        size_t n = 0;
+        for (const auto& list : CDrawManager::Instance()->getOpaqueLists()) {
+            CTexturedDrawList* textured = dynamic_cast<CTexturedDrawList*>(list.get());
+            if (textured && textured->getTextureId() == texture)
+                n += textured->getEntryCount();
+        }
+        return n;
+    }
+
+    std::vector<GLuint> mTextures;
+};
+
+TEST_F(ActorDrawTest, SpriteMergesQuadsOfOneTexture)
+{
+    const GLuint red = texture(RED), green = texture(GREEN);
+    struct { const char* name; GLuint second; size_t chunks; tColor right; } cases[] = {
+        {"same texture", red, 1, RED},
+        {"two textures", green, 2, GREEN},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        boost::shared_ptr<CSprite> sprite = boost::make_shared<CSprite>();
+        sprite->attach(boost::make_shared<Quad>(red, 0, 0, 16, 16));
+        boost::shared_ptr<Quad> right = boost::make_shared<Quad>(c.second, 0, 0, 16, 16);
+        right->moveTo(tVect2{tFixed(20), ZERO_X});
+        sprite->attach(right);
+        ASSERT_EQ(sprite->getChunks().size(), c.chunks);
+        EXPECT_EQ(static_cast<CTexturedChunk*>(sprite->getChunks()[0].get())->getTextureId(), red);
+        sprite->moveTo(tVect2{tFixed(4), tFixed(4)});
+        CDrawManager::Instance()->add(sprite);
+        frame();
+        EXPECT_EQ(pixel(8, 8), RED);
+        EXPECT_EQ(pixel(30, 8), c.right);
+        EXPECT_EQ(pixel(22, 8), BLACK) << "the gap between the quads";
+        CDrawManager::Instance()->remove(sprite);
+    }
+}
+
+TEST_F(ActorDrawTest, CelChangeSwapsListEntriesAndPixels)
+{
+    const GLuint red = texture(RED), green = texture(GREEN);
+    boost::shared_ptr<CActor2D> actor = boost::make_shared<CActor2D>();
+    tActor2DFrameStruct first = cel(100, red), second = cel(100, green);
+    actor->appendFrameStart(first, "blink");
+    actor->appendFrame(second);
+    actor->pushBackOperation(1, operation::GOTO_AND_PLAY, 0);
+    CDrawManager::Instance()->add(actor);
+    frame();
+    EXPECT_EQ(pixel(10, 10), RED);
+
+    struct { int elapsed; GLuint shown, hidden; tColor color; } steps[] = {
+        {99, red, green, RED}, {1, green, red, GREEN}, {100, red, green, RED}, {150, green, red, GREEN},
+    };
+    for (const auto& s : steps) {
+        actor->update(s.elapsed);
+        EXPECT_EQ(entries(s.shown), 1u);
+        EXPECT_EQ(entries(s.hidden), 0u);
+        GLRecorder::clear();
+        GLRecorder::start();
+        frame();
+        GLRecorder::stop();
+        std::vector<long> bound;
+        for (const auto& call : GLRecorder::callsNamed("glBindTexture"))
+            bound.push_back(call.args[1]);
+        EXPECT_EQ(std::count(bound.begin(), bound.end(), long(s.shown)), 1);
+        EXPECT_EQ(std::count(bound.begin(), bound.end(), long(s.hidden)), 0);
+        EXPECT_EQ(GLRecorder::count("glDrawElements"), 1u);
+        EXPECT_EQ(pixel(10, 10), s.color);
+    }
+}
+
+TEST_F(ActorDrawTest, MovingAfterAnAdvanceMovesTheNewCel)
+{
+    const GLuint red = texture(RED), green = texture(GREEN);
+    boost::shared_ptr<CActor2D> actor = boost::make_shared<CActor2D>();
+    tActor2DFrameStruct first = cel(100, red, 0, 0, 16), second = cel(100, green, 0, 0, 16);
+    actor->appendFrameStart(first, "a");
+    actor->appendFrame(second);
+    CDrawManager::Instance()->add(actor);
+    actor->update(100);
+    frame();
+    actor->moveTo(tVect2{tFixed(32), tFixed(32)});
+    frame();
+    EXPECT_EQ(pixel(40, 40), GREEN);
+    EXPECT_EQ(pixel(8, 8), BLACK);
+}
+
+TEST_F(ActorDrawTest, HiddenActorStaysHiddenAcrossCels)
+{
+    const GLuint red = texture(RED), green = texture(GREEN);
+    boost::shared_ptr<CActor2D> actor = boost::make_shared<CActor2D>();
+    tActor2DFrameStruct first = cel(100, red), second = cel(100, green);
+    actor->appendFrameStart(first, "a");
+    actor->appendFrame(second);
+    CDrawManager::Instance()->add(actor);
+    actor->setVisibility(false);
+    actor->update(100);
+    frame();
+    EXPECT_EQ(pixel(10, 10), BLACK);
+    actor->setVisibility(true);
+    frame();
+    EXPECT_EQ(pixel(10, 10), GREEN);
+}
+
+TEST_F(ActorDrawTest, CopiesSharingChunksAdvanceIndependently)
+{
+    // Placed copies of one actor share their cels' chunks.
+    const GLuint red = texture(RED), green = texture(GREEN), blue = texture(BLUE);
+    boost::shared_ptr<CActor2D> left = boost::make_shared<CActor2D>();
+    tActor2DFrameStruct a = cel(100, red, 0, 0, 16), b = cel(100, green, 0, 0, 16), c = cel(100, blue, 0, 0, 16);
+    left->appendFrameStart(a, "run");
+    left->appendFrame(b);
+    left->appendFrame(c);
+    left->setSkippable(false);
+    boost::shared_ptr<CActor2D> right = boost::make_shared<CActor2D>(*left);
+    right->moveTo(tVect2{tFixed(32), ZERO_X});
+    CDrawManager::Instance()->add(left);
+    CDrawManager::Instance()->add(right);
+    struct { CActor2D* actor; tColor left, right; } steps[] = {
+        {left.get(), GREEN, RED}, {right.get(), GREEN, GREEN}, {right.get(), GREEN, BLUE}, {left.get(), BLUE, BLUE},
+    };
+    for (const auto& s : steps) {
+        s.actor->update(100);
+        frame();
+        EXPECT_EQ(pixel(8, 8), s.left);
+        EXPECT_EQ(pixel(40, 8), s.right);
+        EXPECT_EQ(entries(red) + entries(green) + entries(blue), 2u);
+    }
+}
+
+/// Twenty actors flipping between two cels on every update.
+class ActorHeapTest : public ActorDrawTest
+{
+protected:
+    void flip(std::vector<boost::shared_ptr<CActor2D> >& actors, int updates)
+    {
+        for (int i = 0; i < updates; ++i)
+            for (auto& a : actors)
+                a->update(1);
+    }
+
+    std::vector<boost::shared_ptr<CActor2D> > flippers(const tActor2DFrameStruct& on, const tActor2DFrameStruct& off)
+    {
+        std::vector<boost::shared_ptr<CActor2D> > actors;
+        for (int i = 0; i < 20; ++i) {
+            boost::shared_ptr<CActor2D> actor = boost::make_shared<CActor2D>();
+            tActor2DFrameStruct first = on, second = off;
+            actor->appendFrameStart(first, "flip");
+            actor->appendFrame(second);
+            actor->pushBackOperation(1, operation::GOTO_AND_PLAY, 0);
+            actor->moveTo(tVect2{tFixed(i * 3), ZERO_X});
+            CDrawManager::Instance()->add(actor);
+            actors.push_back(actor);
+        }
+        return actors;
+    }
+};
+
+TEST_F(ActorHeapTest, CelChangesAllocateNothingInTheActor)
+{
+    tActor2DFrameStruct on = {1, {}, {}, {boost::make_shared<RecordingChunk>()}};
+    tActor2DFrameStruct off = {1, {}, {}, {boost::make_shared<RecordingChunk>()}};
+    std::vector<boost::shared_ptr<CActor2D> > actors = flippers(on, off);
+    flip(actors, 10);
+    const unsigned long before = AllocationCounter::count();
+    flip(actors, 1000);
+    EXPECT_EQ(AllocationCounter::count() - before, 0u);
+}
+
+TEST_F(ActorHeapTest, CelChangesKeepTheDrawListsSteady)
+{
+    const GLuint red = texture(RED), green = texture(GREEN);
+    std::vector<boost::shared_ptr<CActor2D> > actors = flippers(cel(1, red, 0, 0, 2), cel(1, green, 0, 0, 2));
+    flip(actors, 11);
+    frame();
+    const size_t listCount = CDrawManager::Instance()->getOpaqueLists().size();
+    const long liveBefore = AllocationCounter::liveBytes();
+    const unsigned long allocationsBefore = AllocationCounter::count();
+    for (int round = 0; round < 100; ++round) {
+        flip(actors, 1000);
+        EXPECT_EQ(entries(red), 0u);
+        EXPECT_EQ(entries(green), 20u);
+        EXPECT_EQ(CDrawManager::Instance()->getOpaqueLists().size(), listCount);
+    }
+    frame();
+    EXPECT_EQ(pixel(1, 1), GREEN);
+    EXPECT_LE(AllocationCounter::liveBytes(), liveBefore) << "the heap grows with cel changes";
+    RecordProperty("AllocationsPerCelChange",
+                   std::to_string((AllocationCounter::count() - allocationsBefore) / (100.0 * 1000 * 20)));
+}
+
+} // namespace
