@@ -1,0 +1,135 @@
+#include "TestSupport.h"
+
+#include "Avatar2DPiece.h"
+#include "CAvatarCostume.h"
+#include "CDrawManager.h"
+#include "CGraphics2D.h"
+#include "CTexturedChunk.h"
+
+#include <fstream>
+
+namespace {
+
+/// Three LODs (32, 64, 128) of one piece: the whole texture, a distinct colour per LOD.
+class AvatarPieceTest : public GLTest
+{
+protected:
+    AvatarPieceTest() : GLTest(128, 128) {}
+
+    void SetUp() override
+    {
+        GLTest::SetUp();
+        const std::string dir = scratchDir("avatar-piece");
+        const int sizes[3] = {32, 64, 128};
+        const uint8_t colours[3][3] = {{255, 0, 0}, {0, 255, 0}, {0, 0, 255}};
+        std::ofstream json(dir + "/kid.json");
+        json << "{\"LODList\": [";
+        for (int i = 0; i < 3; ++i) {
+            const int s = sizes[i];
+            ImageIO::tImage image;
+            image.width = image.height = s;
+            image.rgba.resize(static_cast<size_t>(s) * s * 4);
+            for (size_t p = 0; p < image.rgba.size(); p += 4) {
+                image.rgba[p] = colours[i][0];
+                image.rgba[p + 1] = colours[i][1];
+                image.rgba[p + 2] = colours[i][2];
+                image.rgba[p + 3] = 255;
+            }
+            ImageIO::writePNG(dir + "/kid" + std::to_string(s) + ".png", image);
+            json << (i ? "," : "") << "{\"Size\": " << s << ", \"TextureURI\": \"kid" << s
+                 << ".png\", \"ComponentList\": [{\"Name\": \"body\", \"Variations\": [{\"Name\": \"plain\", "
+                 << "\"RectLeft\": 0, \"RectTop\": 0, \"RectRight\": " << s << ", \"RectBottom\": " << s
+                 << ", \"RegPointX\": " << s / 2 << ", \"RegPointY\": " << s / 2 << "}]}]}";
+        }
+        json << "]}";
+        json.close();
+        costume.reset(new AvatarCostume());
+        costume->addFromJson(dir + "/kid.json", nullptr, 0);
+    }
+
+    void TearDown() override
+    {
+        costume.reset();
+        GLTest::TearDown();
+    }
+
+    /// Bounding box of non-black pixels, and the colour at the centre.
+    struct tExtent { int left, bottom, right, top; tColor centre; };
+    tExtent extent()
+    {
+        ImageIO::tImage f = readFrame();
+        tExtent e{f.width, f.height, -1, -1, pixel(64, 64)};
+        for (int y = 0; y < f.height; ++y)
+            for (int x = 0; x < f.width; ++x) {
+                const uint8_t* p = f.at(x, f.height - 1 - y);
+                if (p[0] + p[1] + p[2] > 0) {
+                    e.left = std::min(e.left, x);
+                    e.right = std::max(e.right, x);
+                    e.bottom = std::min(e.bottom, y);
+                    e.top = std::max(e.top, y);
+                }
+            }
+        return e;
+    }
+
+    boost::shared_ptr<AvatarCostume> costume;
+};
+
+TEST_F(AvatarPieceTest, SameOnScreenSizeAtEveryLOD)
+{
+    boost::shared_ptr<Avatar2DPiece> piece(new Avatar2DPiece());
+    piece->setPiece("body", "plain");
+    piece->moveTo(tVect2{tFixed(64), tFixed(64)});
+    piece->setCostume(costume.get());
+    CDrawManager::Instance()->add(piece);
+    const struct { int lod; tColor colour; } cases[] = {
+        {32, {255, 0, 0, 255}}, {64, {0, 255, 0, 255}}, {128, {0, 0, 255, 255}},
+    };
+    for (const auto& c : cases) {
+        costume->setLOD(c.lod);
+        EXPECT_EQ(piece->getLODSize(), c.lod) << "pieces follow the costume's LOD";
+        CGraphics2D::Instance()->clearBuffer();
+        CDrawManager::Instance()->drawAll();
+        tExtent e = extent();
+        EXPECT_EQ(e.centre, c.colour) << "LOD " << c.lod;
+        EXPECT_EQ(e.left, 14) << "LOD " << c.lod;
+        EXPECT_EQ(e.right, 113) << "LOD " << c.lod;
+        EXPECT_EQ(e.bottom, 14) << "LOD " << c.lod;
+        EXPECT_EQ(e.top, 113) << "LOD " << c.lod;
+    }
+    CDrawManager::Instance()->remove(piece);
+}
+
+TEST_F(AvatarPieceTest, UnknownComponentShowsNothing)
+{
+    AssertCapture asserts;
+    boost::shared_ptr<Avatar2DPiece> piece(new Avatar2DPiece());
+    piece->setPiece("wings", "plain");
+    piece->setCostume(costume.get());
+    EXPECT_TRUE(piece->getChunks().empty());
+    EXPECT_TRUE(asserts.has("CAvatarCostume::getAvatarTexturePiece - Could not find component wings.\n"));
+    piece->setPiece("body", "striped");
+    ASSERT_EQ(piece->getChunks().size(), 1u) << "an unknown variation falls back on the first";
+    costume.reset();
+    EXPECT_EQ(piece->getCostume(), nullptr) << "a costume going away lets go of its pieces";
+}
+
+TEST_F(AvatarPieceTest, QuadTableAtHalfRegistration)
+{
+    boost::shared_ptr<Avatar2DPiece> piece(new Avatar2DPiece());
+    piece->setPiece("body", "plain");
+    piece->setCostume(costume.get());
+    costume->setLOD(64);
+    ASSERT_EQ(piece->getChunks().size(), 1u);
+    CTexturedChunk* chunk = static_cast<CTexturedChunk*>(piece->getChunks()[0].get());
+    const tFixed h = tFixed(50);
+    const tVect3 corners[4] = {{-h, h, ZERO_X}, {h, h, ZERO_X}, {-h, -h, ZERO_X}, {h, -h, ZERO_X}};
+    const tVect2 st[4] = {{ZERO_X, ZERO_X}, {ONE_X, ZERO_X}, {ZERO_X, ONE_X}, {ONE_X, ONE_X}};
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_EQ(chunk->getVertices()[i], corners[i]) << i;
+        EXPECT_EQ(chunk->getTexCoords()[i], st[i]) << i;
+    }
+    EXPECT_EQ(chunk->getIndices(), (std::vector<uint16_t>{0, 1, 2, 2, 1, 3}));
+}
+
+} // namespace
