@@ -188,7 +188,11 @@ tImageInfo CTexturePNG::LoadPNGInfo(png_struct* png, png_info* info)
     png_colorp entries = 0;
     int numEntries = 0;
     const bool hasPalette = png_get_PLTE(png, info, &entries, &numEntries) != 0;
-    const bool hasTRNS = png_get_tRNS(png, info, 0, 0, 0) != 0;
+    // libpng only answers when given somewhere to put the answer.
+    png_bytep alphas = 0;
+    int numAlphas = 0;
+    png_color_16p transparent = 0;
+    const bool hasTRNS = png_get_tRNS(png, info, &alphas, &numAlphas, &transparent) != 0;
 
     tImageInfo result = tImageInfo();
     if (colorType == PNG_COLOR_TYPE_PALETTE) {

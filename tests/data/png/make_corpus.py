@@ -143,12 +143,15 @@ def files():
     rows = [bytes(c for x in range(8) for c in rgb(x, y)) for y in range(8)]
     body = zlib.compress(b"".join(b"\0" + r for r in rows))
     yield "bad_crc_idat.png", png(ihdr(8, 8, 8, 2), chunk(b"IDAT", body, crc=0x12345678))
+    text = chunk(b"tEXt", b"Comment\0corrupted", crc=0)
+    yield "bad_crc_text.png", png(ihdr(8, 8, 8, 2), text, chunk(b"IDAT", body))
     yield "bad_zlib.png", png(ihdr(8, 8, 8, 2), chunk(b"IDAT", b"\x78\x9c" + b"\xff" * 40))
     yield "short_data.png", png(ihdr(8, 8, 8, 2), chunk(b"IDAT", zlib.compress(b"".join(b"\0" + r for r in rows[:3]))))
     pal_rows = [pack_row([index(x, y, 16) for x in range(8)], 8) for y in range(8)]
     yield "plte_after_idat.png", png(ihdr(8, 8, 8, 3), idat(pal_rows), plte(16))
     yield "idat_before_ihdr.png", png(idat(rows), ihdr(8, 8, 8, 2))
     yield "pal1_3_entries.png", png(ihdr(8, 2, 1, 3), plte(3), idat([pack_row([x & 1 for x in range(8)], 1)] * 2))
+    yield "pal8_257_entries.png", png(ihdr(8, 2, 8, 3), plte(257), idat([bytes(8)] * 2))
     yield "pal_bad_index.png", png(ihdr(8, 2, 8, 3), plte(4), idat([bytes([250] * 8)] * 2))
 
 
