@@ -86,6 +86,8 @@ const operation STOP = {operation::STOP, 0};
 const operation AUDIO = {operation::PLAY_AUDIO, 3};
 const operation PLAY0 = {operation::GOTO_AND_PLAY, 0};
 const operation HOLD1 = {operation::GOTO_AND_STOP, 1};
+const operation JUMP3 = {operation::GOTO_AND_PLAY, 3};
+const operation TRIGGER9 = {operation::TRIGGER, 9};
 
 enum tAction { UPDATE, GOTO_AND_PLAY, GOTO_AND_STOP };
 
@@ -138,6 +140,9 @@ TEST_F(Actor2DTest, Timelines)
         {"exit jump runs the enter operations of its target", false, DONE_NOTHING,
          {{100, "a", {TRIGGER7}, {}}, {100, 0, {}, {PLAY0}}},
          {{UPDATE, 100, 1, 0x01, 0}, {UPDATE, 100, 0, 0x11, 0}}, {7}, {"a"}},
+        {"a jump does not switch the operation list being run", true, DONE_NOTHING,
+         {{100, "a", {}, {}}, {100, 0, {}, {JUMP3, TRIGGER9}}, {100, 0, {}, {}}, {100, 0, {}, {PLAY0}}},
+         {{UPDATE, 100, 1, 0x03, 0}, {UPDATE, 100, 3, 0x13, 0}}, {9}, {}},
         {"hold jumps and stops", true, DONE_NOTHING, {{100, "hold", {}, {}}, {100, 0, {}, {HOLD1}}},
          {{UPDATE, 250, 1, 0x62, 50}, {UPDATE, 250, 1, 0x22, 50}}, {}, {"hold"}},
         {"the last cel of the list stops", false, DONE_NOTHING, {{100, "a", {}, {}}, {100, 0, {}, {}}},
