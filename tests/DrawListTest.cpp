@@ -1,0 +1,344 @@
+#include "TestSupport.h"
+#include "AllocationCounter.h"
+#include "DrawTestSupport.h"
+
+#include "CDrawManager.h"
+#include "CGraphics2D.h"
+#include "CTexturedDrawList.h"
+
+#include <GLES/gl.h>
+
+using namespace DrawTest;
+
+namespace {
+
+const tColor RED = {255, 0, 0, 255};
+const tColor BLUE = {0, 0, 255, 255};
+const tColor BLACK = {0, 0, 0, 254};  // the clear colour as it lands
+
+class DrawListTest : public GLTest
+{
+protected:
+    CDrawManager* manager() { return CDrawManager::Instance(); }
+
+    CTexturedDrawList* opaqueList(size_t i)
+    {
+        return dynamic_cast<CTexturedDrawList*>(manager()->getOpaqueLists().at(i).get());
+    }
+
+    void frame()
+    {
+        CGraphics2D::Instance()->clearBuffer();
+        manager()->drawAll();
+    }
+
+    /// Recorded uploads of one kind to one target.
+    static std::vector<GLRecorder::tCall> uploads(const char* name, GLenum target)
+    {
+        std::vector<GLRecorder::tCall> out;
+        for (const GLRecorder::tCall& c : GLRecorder::callsNamed(name))
+            if (c.args[0] == static_cast<long>(target))
+                out.push_back(c);
+        return out;
+    }
+};
+
+TEST_F(DrawListTest, BookkeepingOfAddRemoveShowHide)
+{
+    boost::shared_ptr<CTexture> texture = solidTexture(RED);
+    boost::shared_ptr<Element> a = quadElement(texture, 0, 0, Z(0));
+    boost::shared_ptr<Element> b = quadElement(texture, 10, 0, Z(0));
+    b->setVisibility(false);
+    boost::shared_ptr<Element> other = quadElement(solidTexture(BLUE), 0, 0, Z(0));
+    boost::shared_ptr<CTexturedDrawList> list(new CTexturedDrawList());
+
+    enum tOp { ADD, REMOVE, SHOW, HIDE };
+    struct {
+        tOp op;
+        boost::shared_ptr<Element> e;
+        bool result;
+        int vertices, indices, hiddenIndices, visibleEntries, hiddenEntries;
+    } steps[] = {
+        {ADD, a, true, 4, 6, 0, 1, 0},
+        {ADD, b, true, 8, 6, 6, 1, 1},       // b is hidden
+        {ADD, a, true, 8, 6, 6, 1, 1},       // already held: nothing added
+        {ADD, other, false, 8, 6, 6, 1, 1},  // another texture
+        {HIDE, a, true, 8, 0, 12, 0, 2},
+        {HIDE, a, true, 8, 0, 12, 0, 2},
+        {SHOW, b, true, 8, 6, 6, 1, 1},
+        {SHOW, other, false, 8, 6, 6, 1, 1},
+        {REMOVE, a, true, 4, 6, 0, 1, 0},
+        {REMOVE, a, false, 4, 6, 0, 1, 0},
+        {REMOVE, other, false, 4, 6, 0, 1, 0},
+        {REMOVE, b, true, 0, 0, 0, 0, 0},
+    };
+    int n = 0;
+    for (const auto& s : steps) {
+        boost::shared_ptr<CDrawChunk> chunk = s.e->getChunks()[0];
+        bool result = false;
+        switch (s.op) {
+        case ADD: result = list->add(s.e, chunk); break;
+        case REMOVE: result = list->remove(s.e, chunk); break;
+        case SHOW: result = list->show(s.e, chunk); break;
+        case HIDE: result = list->hide(s.e, chunk); break;
+        }
+        EXPECT_EQ(result, s.result) << "step " << n;
+        EXPECT_EQ(list->getVertexCount(), s.vertices) << "step " << n;
+        EXPECT_EQ(list->getIndexCount(), s.indices) << "step " << n;
+        EXPECT_EQ(list->getHiddenIndexCount(), s.hiddenIndices) << "step " << n;
+        EXPECT_EQ(list->getVisibleEntryCount(), (size_t)s.visibleEntries) << "step " << n;
+        EXPECT_EQ(list->getHiddenEntryCount(), (size_t)s.hiddenEntries) << "step " << n;
+        ++n;
+    }
+    EXPECT_TRUE(list->empty());
+    EXPECT_TRUE(a->getChunks()[0]->getDrawList().expired()) << "a removed chunk belongs to no list";
+}
+
+TEST_F(DrawListTest, AcceptedChunkNamesItsList)
+{
+    boost::shared_ptr<Element> a = quadElement(solidTexture(RED), 0, 0, Z(0));
+    boost::shared_ptr<CTexturedDrawList> list(new CTexturedDrawList());
+    ASSERT_TRUE(list->add(a, a->getChunks()[0]));
+    EXPECT_EQ(a->getChunks()[0]->getDrawList().lock(), list);
+    EXPECT_FALSE(list->isTranslucent());
+    boost::shared_ptr<Element> glass = quadElement(solidTexture(tColor{0, 0, 255, 128}), 0, 0, Z(0));
+    boost::shared_ptr<CTexturedDrawList> alphaList(new CTexturedDrawList());
+    ASSERT_TRUE(alphaList->add(glass, glass->getChunks()[0]));
+    EXPECT_TRUE(alphaList->isTranslucent());
+}
+
+TEST_F(DrawListTest, ChunkWithoutTextureIsReported)
+{
+    AssertCapture asserts;
+    boost::shared_ptr<Element> e = element();
+    e->getChunks().push_back(quad(boost::shared_ptr<CTexture>(), 4, 4));
+    boost::shared_ptr<CTexturedDrawList> list(new CTexturedDrawList());
+    EXPECT_TRUE(list->add(e, e->getChunks()[0]));
+    EXPECT_TRUE(asserts.has("CTexturedDrawList::add adding item with no TextureId"));
+    ASSERT_EQ(asserts.entries().size(), 1u);
+    EXPECT_EQ(asserts.entries()[0].file, "Zephrin2D/Src/CTexturedDrawList");
+}
+
+TEST_F(DrawListTest, StaticFrameUploadsNothingAndDrawsOncePerOpaqueList)
+{
+    std::vector<boost::shared_ptr<Element> > elements;
+    for (int t = 0; t < 3; ++t) {
+        boost::shared_ptr<CTexture> texture = solidTexture(tColor{uint8_t(80 * t), 255, 0, 255});
+        for (int i = 0; i < 10; ++i) {
+            elements.push_back(quadElement(texture, i * 6, t * 10, Z(i % 3)));
+            manager()->add(elements.back());
+        }
+    }
+    frame();
+    const unsigned long before = AllocationCounter::count();
+    frame();
+    EXPECT_EQ(AllocationCounter::count() - before, 0u);
+    GLRecorder::start();
+    frame();
+    GLRecorder::stop();
+    EXPECT_EQ(GLRecorder::count("glBufferData"), 0u);
+    EXPECT_EQ(GLRecorder::count("glBufferSubData"), 0u);
+    std::vector<GLRecorder::tCall> draws = GLRecorder::callsNamed("glDrawElements");
+    ASSERT_EQ(draws.size(), 3u);
+    for (const GLRecorder::tCall& d : draws) {
+        EXPECT_EQ(d.args[0], GL_TRIANGLES);
+        EXPECT_EQ(d.args[1], 60);
+        EXPECT_EQ(d.args[2], GL_UNSIGNED_SHORT);
+    }
+    EXPECT_EQ(pixel(55, 25), (tColor{160, 255, 0, 255}));
+}
+
+TEST_F(DrawListTest, MovingOneOfAHundredUploadsOnlyItsPositions)
+{
+    boost::shared_ptr<CTexture> texture = solidTexture(RED);
+    std::vector<boost::shared_ptr<Element> > elements;
+    for (int i = 0; i < 100; ++i) {
+        elements.push_back(quadElement(texture, (i % 10) * 6, (i / 10) * 6, Z(0), 4, 4));
+        manager()->add(elements.back());
+    }
+    frame();
+    EXPECT_EQ(pixel(7 * 6, 3 * 6), RED);
+    GLRecorder::start();
+    elements[37]->moveBy(tVect2{ONE_X, ONE_X});
+    frame();
+    GLRecorder::stop();
+
+    EXPECT_EQ(GLRecorder::count("glBufferData"), 0u);
+    std::vector<GLRecorder::tCall> sub = GLRecorder::callsNamed("glBufferSubData");
+    ASSERT_EQ(sub.size(), 1u) << "no texture coordinates, no indices";
+    EXPECT_EQ(sub[0].args[0], GL_ARRAY_BUFFER);
+    EXPECT_EQ(sub[0].offset, 37 * 4 * 12);
+    EXPECT_EQ(sub[0].size, 48);
+    EXPECT_EQ(GLRecorder::count("glDrawElements"), 1u);
+    EXPECT_EQ(pixel(7 * 6, 3 * 6), BLACK);
+    EXPECT_EQ(pixel(7 * 6 + 4, 3 * 6 + 4), RED);
+
+    const unsigned long before = AllocationCounter::count();
+    for (int i = 0; i < 10; ++i)
+        elements[i * 7]->moveBy(tVect2{ONE_X, ZERO_X});
+    frame();
+    EXPECT_EQ(AllocationCounter::count() - before, 0u) << "moving frames allocate nothing";
+}
+
+TEST_F(DrawListTest, ListWithAllElementsHiddenDrawsNothing)
+{
+    boost::shared_ptr<CTexture> texture = solidTexture(RED);
+    boost::shared_ptr<Element> a = quadElement(texture, 0, 0, Z(0));
+    boost::shared_ptr<Element> b = quadElement(texture, 20, 0, Z(0));
+    manager()->add(a);
+    manager()->add(b);
+    frame();
+    a->setVisibility(false);
+    b->setVisibility(false);
+    GLRecorder::start();
+    frame();
+    EXPECT_EQ(GLRecorder::count("glDrawElements"), 0u);
+    EXPECT_EQ(pixel(2, 2), BLACK);
+    GLRecorder::clear();
+    b->setVisibility(true);
+    frame();
+    GLRecorder::stop();
+    std::vector<GLRecorder::tCall> draws = GLRecorder::callsNamed("glDrawElements");
+    ASSERT_EQ(draws.size(), 1u);
+    EXPECT_EQ(draws[0].args[1], 6);
+    EXPECT_EQ(pixel(22, 2), RED);
+    EXPECT_EQ(pixel(2, 2), BLACK);
+}
+
+TEST_F(DrawListTest, RemovalClosesTheGapInsideTheBuffers)
+{
+    boost::shared_ptr<CTexture> texture = solidTexture(RED);
+    boost::shared_ptr<Element> a = quadElement(texture, 0, 0, Z(0));
+    boost::shared_ptr<Element> b = quadElement(texture, 10, 0, Z(0));
+    boost::shared_ptr<Element> c = quadElement(texture, 20, 0, Z(0));
+    for (auto& e : {a, b, c})
+        manager()->add(e);
+    frame();
+    GLRecorder::start();
+    manager()->remove(a);
+    frame();
+    EXPECT_EQ(GLRecorder::count("glBufferData"), 0u) << "the buffers are kept";
+    std::vector<GLRecorder::tCall> positions = uploads("glBufferSubData", GL_ARRAY_BUFFER);
+    ASSERT_EQ(positions.size(), 2u) << "b and c rewritten at their new offsets, positions then coordinates";
+    EXPECT_EQ(positions[0].offset, 0);
+    EXPECT_EQ(positions[0].size, 2 * 48);
+    EXPECT_EQ(positions[1].size, 2 * 32);
+    EXPECT_EQ(pixel(2, 2), BLACK);
+    EXPECT_EQ(pixel(12, 2), RED);
+    EXPECT_EQ(pixel(22, 2), RED);
+    EXPECT_FALSE(a->isDrawManaged());
+
+    GLRecorder::clear();
+    boost::shared_ptr<Element> d = quadElement(texture, 30, 0, Z(0));
+    manager()->add(d);
+    frame();
+    GLRecorder::stop();
+    EXPECT_EQ(GLRecorder::count("glBufferData"), 0u) << "fits the room a left";
+    positions = uploads("glBufferSubData", GL_ARRAY_BUFFER);
+    ASSERT_EQ(positions.size(), 2u);
+    EXPECT_EQ(positions[0].offset, 8 * 12);
+    EXPECT_EQ(pixel(32, 2), RED);
+}
+
+TEST_F(DrawListTest, ShrinkAllDropsEmptyListsAndRebuildsOthersAtSize)
+{
+    boost::shared_ptr<CTexture> red = solidTexture(RED);
+    boost::shared_ptr<CTexture> blue = solidTexture(BLUE);
+    boost::shared_ptr<Element> gone = quadElement(red, 0, 0, Z(0));
+    std::vector<boost::shared_ptr<Element> > kept;
+    manager()->add(gone);
+    for (int i = 0; i < 4; ++i) {
+        kept.push_back(quadElement(blue, i * 10, 20, Z(0)));
+        manager()->add(kept.back());
+    }
+    frame();
+    manager()->remove(gone);
+    manager()->remove(kept[2]);
+    manager()->remove(kept[3]);
+    frame();
+    ASSERT_EQ(manager()->getOpaqueLists().size(), 2u) << "kept until shrinkAll";
+    GLRecorder::start();
+    manager()->shrinkAll();
+    ASSERT_EQ(manager()->getOpaqueLists().size(), 1u);
+    frame();
+    GLRecorder::stop();
+    std::vector<GLRecorder::tCall> vertexData = uploads("glBufferData", GL_ARRAY_BUFFER);
+    ASSERT_EQ(vertexData.size(), 2u);
+    EXPECT_EQ(vertexData[0].args[1], 2 * 48);
+    EXPECT_EQ(vertexData[1].args[1], 2 * 32);
+    std::vector<GLRecorder::tCall> indexData = uploads("glBufferData", GL_ELEMENT_ARRAY_BUFFER);
+    ASSERT_EQ(indexData.size(), 1u);
+    EXPECT_EQ(indexData[0].args[1], 12 * 2);
+    EXPECT_EQ(pixel(12, 22), BLUE);
+    EXPECT_EQ(pixel(22, 22), BLACK);
+}
+
+TEST_F(DrawListTest, ChunksPastSixteenBitCountsGoToAnotherList)
+{
+    struct {
+        int vertices, indices, chunks;
+        int firstVertices, firstIndices, secondVertices, secondIndices;
+    } cases[] = {
+        {4, 6, 16384, 43688, 65532, 21848, 32772},  // quads: the indices run out first
+        {3000, 3, 22, 63000, 63, 3000, 3},          // the vertices run out first
+        {3, 30000, 3, 6, 60000, 3, 30000},
+    };
+    for (const auto& c : cases) {
+        AssertCapture asserts;
+        boost::shared_ptr<CTexture> texture = solidTexture(RED);
+        std::vector<boost::shared_ptr<Element> > elements;
+        for (int i = 0; i < c.chunks; ++i) {
+            boost::shared_ptr<CTexturedChunk> chunk(new CTexturedChunk(c.vertices, c.indices));
+            chunk->setTexture(texture);
+            elements.push_back(element());
+            elements.back()->getChunks().push_back(chunk);
+            manager()->add(elements.back());
+        }
+        ASSERT_EQ(manager()->getOpaqueLists().size(), 2u) << c.vertices;
+        EXPECT_EQ(opaqueList(0)->getVertexCount(), c.firstVertices);
+        EXPECT_EQ(opaqueList(0)->getIndexCount(), c.firstIndices);
+        EXPECT_EQ(opaqueList(1)->getVertexCount(), c.secondVertices);
+        EXPECT_EQ(opaqueList(1)->getIndexCount(), c.secondIndices);
+        EXPECT_TRUE(asserts.entries().empty());
+        manager()->deleteAll();
+    }
+}
+
+TEST_F(DrawListTest, SplitListsBothDraw)
+{
+    boost::shared_ptr<CTexture> texture = solidTexture(RED);
+    std::vector<boost::shared_ptr<Element> > elements;
+    const int quads = 10923;  // one more than a list takes
+    for (int i = 0; i < quads; ++i) {
+        const int at = i == quads - 1 ? 40 : 0;
+        elements.push_back(quadElement(texture, at, at, Z(0), 4, 4));
+        manager()->add(elements.back());
+    }
+    ASSERT_EQ(manager()->getOpaqueLists().size(), 2u);
+    GLRecorder::start();
+    frame();
+    GLRecorder::stop();
+    EXPECT_EQ(GLRecorder::count("glDrawElements"), 2u);
+    EXPECT_EQ(pixel(41, 41), RED);
+    EXPECT_EQ(pixel(1, 1), RED);
+}
+
+TEST_F(DrawListTest, ChunkChangedInPlaceCannotOverrunTheBuffers)
+{
+    AssertCapture asserts;
+    boost::shared_ptr<Element> e = quadElement(solidTexture(RED), 0, 0, Z(0));
+    manager()->add(e);
+    frame();
+    boost::shared_ptr<CTexturedChunk> chunk = boost::dynamic_pointer_cast<CTexturedChunk>(e->getChunks()[0]);
+    chunk->getVertices().resize(400, VECT3_0);
+    chunk->getIndices().push_back(399);
+    e->moveBy(tVect2{ONE_X, ZERO_X});
+    manager()->hide(e, chunk);
+    manager()->show(e, chunk);
+    frame();
+    EXPECT_TRUE(asserts.has("CTexturedDrawList::bufferVertices 2 vertex count mismatch"));
+    EXPECT_TRUE(asserts.has("CTexturedDrawList::bufferIndices 3 index count mismatch"));
+    EXPECT_EQ(pixel(3, 3), RED) << "drawn with the counts it was accepted with";
+}
+
+} // namespace
