@@ -1,0 +1,140 @@
+#include "TestSupport.h"
+
+#include "CTexture.h"
+#include "CTextureManager.h"
+
+#include <SystemData.h>
+
+#include <fstream>
+
+namespace {
+
+std::string png(const std::string& name) { return testDataPath("png/" + name); }
+
+class TextureManagerTest : public ::testing::Test
+{
+protected:
+    void TearDown() override { CTextureManager::Destroy(); }
+    boost::shared_ptr<CTexture> loadRAM(const std::string& path)
+    {
+        return CTextureManager::Instance()->load(path, false, true, false);
+    }
+};
+
+TEST_F(TextureManagerTest, SharesALiveTexture)
+{
+    CTextureManager* m = CTextureManager::Instance();
+    boost::shared_ptr<CTexture> a = loadRAM(png("rgb.png"));
+    ASSERT_TRUE(a);
+    EXPECT_EQ(loadRAM(png("rgb.png")), a);
+    EXPECT_EQ(m->get(png("rgb.png")), a);
+    EXPECT_EQ(m->getEntryCount(), 1u);
+    EXPECT_NE(loadRAM(png("rgba.png")), a);
+}
+
+TEST_F(TextureManagerTest, ExpiredTextureIsReadAgain)
+{
+    CTextureManager* m = CTextureManager::Instance();
+    boost::shared_ptr<CTexture> a = loadRAM(png("rgb.png"));
+    const uint8_t original = a->pixels[0];
+    a->pixels[0] = static_cast<uint8_t>(original + 1);
+    a.reset();
+    EXPECT_FALSE(m->get(png("rgb.png")));
+    EXPECT_EQ(m->getEntryCount(), 1u) << "an expired entry stays until overwritten";
+    boost::shared_ptr<CTexture> b = loadRAM(png("rgb.png"));
+    ASSERT_TRUE(b);
+    EXPECT_EQ(b->pixels[0], original) << "a fresh copy of the file";
+    EXPECT_EQ(m->getEntryCount(), 1u);
+}
+
+TEST_F(TextureManagerTest, NothingLoadedGivesEmptyAndNoEntry)
+{
+    AssertCapture asserts;
+    CTextureManager* m = CTextureManager::Instance();
+    struct { const char* file; bool create, keep; } cases[] = {
+        {"truncated.png", false, true}, {"grey.png", true, true}, {"huge_100000.png", true, false},
+        {"rgb.png", false, false},  // loaded, then neither uploaded nor kept
+    };
+    for (const auto& c : cases) {
+        EXPECT_FALSE(m->load(png(c.file), c.create, c.keep, false)) << c.file;
+        EXPECT_FALSE(m->get(png(c.file))) << c.file;
+    }
+    EXPECT_EQ(m->getEntryCount(), 0u);
+}
+
+TEST_F(TextureManagerTest, PathsAreKeysAsSpelt)
+{
+    boost::shared_ptr<CTexture> a = loadRAM(png("rgb.png"));
+    boost::shared_ptr<CTexture> b = loadRAM(testDataPath("png/./rgb.png"));
+    ASSERT_TRUE(a && b);
+    EXPECT_NE(a, b);
+    EXPECT_EQ(CTextureManager::Instance()->getEntryCount(), 2u);
+}
+
+TEST_F(TextureManagerTest, MissingFileIsCachedUnderItsOwnPath)
+{
+    const std::string dir = scratchDir("texture-manager-placeholder");
+    {
+        std::ifstream in(png("pal4.png"), std::ios::binary);
+        std::ofstream out(dir + "/missingAsset.png", std::ios::binary);
+        out << in.rdbuf();
+    }
+    CSystemData::Instance()->AddArtPath(dir);
+    boost::shared_ptr<CTexture> t = loadRAM("nowhere/hero.png");
+    CSystemData::Instance()->ClearPaths();
+    ASSERT_TRUE(t);
+    EXPECT_EQ(t->imageInfo.palType, PAL_PALETTE4);
+    EXPECT_EQ(CTextureManager::Instance()->get("nowhere/hero.png"), t);
+}
+
+TEST_F(TextureManagerTest, Unload)
+{
+    CTextureManager* m = CTextureManager::Instance();
+    boost::shared_ptr<CTexture> held = loadRAM(png("rgb.png"));
+    EXPECT_TRUE(m->unload(png("rgb.png")));
+    EXPECT_FALSE(m->get(png("rgb.png")));
+    EXPECT_EQ(m->getEntryCount(), 0u);
+    EXPECT_TRUE(held->inRAM) << "holders keep their texture";
+    boost::shared_ptr<CTexture> fresh = loadRAM(png("rgb.png"));
+    EXPECT_NE(fresh, held);
+
+    fresh.reset();
+    EXPECT_FALSE(m->unload(png("rgb.png"))) << "expired";
+    EXPECT_EQ(m->getEntryCount(), 1u) << "unload leaves an expired entry alone";
+    EXPECT_FALSE(m->unload(png("never-loaded.png")));
+}
+
+TEST_F(TextureManagerTest, DeleteAllAndDestroyOnlyForget)
+{
+    boost::shared_ptr<CTexture> a = loadRAM(png("rgb.png"));
+    boost::shared_ptr<CTexture> b = loadRAM(png("pal8.png"));
+    CTextureManager::Instance()->deleteAll();
+    EXPECT_EQ(CTextureManager::Instance()->getEntryCount(), 0u);
+    EXPECT_TRUE(a->inRAM);
+
+    boost::shared_ptr<CTexture> c = loadRAM(png("rgb.png"));
+    EXPECT_NE(c, a);
+    CTextureManager::Destroy();
+    CTextureManager* fresh = CTextureManager::Instance();
+    EXPECT_EQ(fresh->getEntryCount(), 0u);
+    EXPECT_FALSE(fresh->get(png("rgb.png")));
+    EXPECT_TRUE(c->inRAM);
+    EXPECT_EQ(c->imageInfo.width, 8u);
+}
+
+class TextureManagerGLTest : public GLTest
+{
+};
+
+TEST_F(TextureManagerGLTest, FirstLoadsFlagsWin)
+{
+    boost::shared_ptr<CTexture> a = CTextureManager::Instance()->load(png("pal4.png"), true, false, false);
+    ASSERT_TRUE(a);
+    EXPECT_NE(a->glTextureId, 0u);
+    EXPECT_FALSE(a->inRAM);
+    boost::shared_ptr<CTexture> b = CTextureManager::Instance()->load(png("pal4.png"), false, true, true);
+    EXPECT_EQ(b, a);
+    EXPECT_FALSE(b->inRAM);
+}
+
+} // namespace
