@@ -158,6 +158,17 @@ TEST_F(TextureSheetTest, DescriptionWithoutDirectoryNamesBitmapsAsTheyAre)
     EXPECT_TRUE(sheet.getElement("hero").texture);
 }
 
+TEST_F(TextureSheetTest, DemoSheet)
+{
+    CTextureSheet sheet(examplesPath("art/sheet.json"));
+    EXPECT_EQ(sheet.getElementCount(), 4u);
+    const tTextureSheetElement hero = sheet.getElement("hero");
+    ASSERT_TRUE(hero.texture);
+    for (const char* name : {"heart", "coin", "mushroom"})
+        EXPECT_EQ(sheet.getElement(name).texture, hero.texture) << name;
+    EXPECT_EQ(hero.texture->imageInfo.width, 128u);
+}
+
 TEST_F(TextureSheetTest, DebugDumpListsEveryPicture)
 {
     writeFile(mDir + "/a.json", kTwoPictures);
