@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <fstream>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace {
 
@@ -144,18 +143,6 @@ TEST_F(TextureSheetTest, IncompleteDescriptionsLoadWhatTheyCan)
     }
     CTextureSheet missing(mDir + "/no-such-sheet.json");
     EXPECT_EQ(missing.getElementCount(), 0u);
-}
-
-TEST_F(TextureSheetTest, DescriptionWithoutDirectoryNamesBitmapsAsTheyAre)
-{
-    writeFile(mDir + "/a.json", kTwoPictures);
-    char cwd[4096];
-    ASSERT_NE(getcwd(cwd, sizeof cwd), nullptr);
-    ASSERT_EQ(chdir(mDir.c_str()), 0);
-    CTextureSheet sheet("a.json");
-    ASSERT_EQ(chdir(cwd), 0);
-    EXPECT_TRUE(CTextureManager::Instance()->get("a.png"));
-    EXPECT_TRUE(sheet.getElement("hero").texture);
 }
 
 TEST_F(TextureSheetTest, DemoSheet)

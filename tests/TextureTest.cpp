@@ -355,17 +355,6 @@ TEST_F(TextureGLTest, UploadWithoutRAMImageMakesAnEmptyTexture)
     EXPECT_EQ(GLRecorder::count("glTexImage2D") + GLRecorder::count("glCompressedTexImage2D"), 0u);
 }
 
-TEST_F(TextureGLTest, PendingGLErrorIsLoggedBeforeDirectUpload)
-{
-    tImageInfo info{PAL_NONE, kPixelFormatRGB888, 4, 4};
-    CTexture t(info, true);
-    DebugCapture debug;
-    glEnable(0x1234);
-    t.InitGLTexture();
-    EXPECT_TRUE(debug.has(3, "CTexture::InitGLTexture 1 OpenGL Error 0x500, before calling glTexImage2D\n"));
-    EXPECT_FALSE(debug.has(3, "CTexture::InitGLTexture 1 OpenGL Error 0x500, may have run out of memory\n"));
-}
-
 TEST_F(TextureGLTest, CompressedAndExpandedUploadsDrawTheSame)
 {
     for (tPalType pal : {PAL_PALETTE4, PAL_PALETTE8}) {
