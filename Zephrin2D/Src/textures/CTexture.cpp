@@ -14,7 +14,7 @@ const char* const kFile = "Zephrin2D/Src/CTexture";
 
 const Tadwick::Vell::CDebugMPI& debug()
 {
-    static Tadwick::Vell::CDebugMPI d(0x283);
+    static Tadwick::Vell::CDebugMPI d(0x28C);
     return d;
 }
 

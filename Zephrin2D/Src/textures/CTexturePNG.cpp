@@ -16,7 +16,7 @@ const char* const kFile = "Zephrin2D/Src/CTexturePNG";
 
 const Tadwick::Vell::CDebugMPI& debug()
 {
-    static Tadwick::Vell::CDebugMPI d(0x283);
+    static Tadwick::Vell::CDebugMPI d(0x28C);
     return d;
 }
 

@@ -10,7 +10,7 @@ namespace {
 
 const Tadwick::Vell::CDebugMPI& debug()
 {
-    static Tadwick::Vell::CDebugMPI d(0x283);
+    static Tadwick::Vell::CDebugMPI d(0x28C);
     return d;
 }
 

@@ -12,7 +12,7 @@ const char* const kFallThrough = "Control unexpectedly reach the end of the func
 
 const Tadwick::Vell::CDebugMPI& debug()
 {
-    static Tadwick::Vell::CDebugMPI d(0x283);
+    static Tadwick::Vell::CDebugMPI d(0x28C);
     return d;
 }
 
