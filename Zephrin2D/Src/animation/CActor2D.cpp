@@ -2,6 +2,14 @@
 
 #include "CDrawChunk.h"
 #include "CDrawManager.h"
+#include "CDsetReader.h"
+#include "CSceneLoaderDset.h"
+#include "CSceneLoaderJson.h"
+#include "tDsetRecords.h"
+
+#include <Dataset.h>
+#include <QJN.h>
+#include <cstring>
 
 #include <BaseUtils.h>
 #include <limits>
@@ -535,16 +543,87 @@ void CActor2D::widen(tRect2& box, const tVect3& p)
 // ---------------------------------------------------------------------------
 // Loading
 
-bool CActor2D::loadJson(Glib::ustring path, AvatarCostume*, CTextureSheet*)
+namespace {
+
+/// The directory of path, with its trailing '/', or "".
+Glib::ustring directoryOf(const Glib::ustring& path)
 {
-    BaseUtils::Assert(false, SOURCE, __LINE__, "CActor2D::loadJson scene loading is not available: %s\n",
-                      path.c_str());
-    return false;
+    const Glib::ustring::size_type slash = path.rfind('/');
+    return slash == Glib::ustring::npos ? Glib::ustring() : path.substr(0, slash + 1);
 }
 
-bool CActor2D::loadDset(Glib::ustring path, AvatarCostume*, CTextureSheet*)
+} // namespace
+
+CActor2D::CActor2D(Glib::ustring path, AvatarCostume* costume, CTextureSheet* sheet) : CActor2D()
 {
-    BaseUtils::Assert(false, SOURCE, __LINE__, "CActor2D::loadDset scene loading is not available: %s\n",
-                      path.c_str());
-    return false;
+    loadFile(path, costume, sheet);
+}
+
+bool CActor2D::loadFile(Glib::ustring path, AvatarCostume* costume, CTextureSheet* sheet)
+{
+    const std::string p = path.raw();
+    const size_t n = strlen(CSceneLoaderDset::dsetExtension);
+    if (p.size() > n && p.compare(p.size() - n, n, CSceneLoaderDset::dsetExtension) == 0)
+        return loadDset(path, costume, sheet);
+    return loadJson(path, costume, sheet);
+}
+
+bool CActor2D::loadJson(Glib::ustring path, AvatarCostume* costume, CTextureSheet* sheet)
+{
+    QJN::CJSonFile file(path, 0);
+    file.Load();
+    const QJN::Value& root = file.getRoot();
+    if (!root.isObject()) {
+        BaseUtils::Assert(false, SOURCE, __LINE__, "CActor2D::loadJson(char *url) outermost container is not an object\n");
+        return false;
+    }
+    if (!root.isMember("Animation")) {
+        BaseUtils::Assert(false, SOURCE, __LINE__, "CActor2D::loadJson(char *url) no member Animation\n");
+        return false;
+    }
+    if (!root["Animation"].isArray()) {
+        BaseUtils::Assert(false, SOURCE, __LINE__, "CActor2D::loadJson(char *url) Animation is not array\n");
+        return false;
+    }
+    CSceneLoaderJson loader;
+    loader.setCostume(costume);
+    loader.setTextureSheet(sheet);
+    loader.setDefaultPath(directoryOf(path));
+    loader.parseGraphicElementPortion(root, this);
+    loader.parseAnimation(root["Animation"], this);
+    return true;
+}
+
+bool CActor2D::loadDset(Glib::ustring path, AvatarCostume* costume, CTextureSheet* sheet)
+{
+    CSceneLoaderDset loader;
+    loader.setCostume(costume);
+    loader.setTextureSheet(sheet);
+    loader.setDefaultPath(directoryOf(path));
+    void* data = 0;
+    boost::shared_ptr<CDataset> dataset = loader.LoadDset(path, data);
+    const tDsetActor* root = data && loader.getReader() ? loader.getReader()->record<tDsetActor>(data) : 0;
+    if (!root) {
+        BaseUtils::Assert(false, SOURCE, __LINE__, "CActor2D::loadDset could not load dataset file: %s\n", path.c_str());
+        return false;
+    }
+    const tDsetSpriteCel* cels = loader.getReader()->array<tDsetSpriteCel>(root->cels, root->celCount);
+    if (root->magic != DSET_ACTOR_MAGIC || (root->celCount && !cels)) {
+        BaseUtils::Assert(false, SOURCE, __LINE__, "CActor2D::loadDset %s does not hold an actor inside the dataset\n",
+                          path.c_str());
+        return false;
+    }
+    loader.parseGraphicElementPortion(&root->element, this);
+    for (uint32_t i = 0; i < root->celCount; ++i) {
+        tActor2DFrameStruct frame;
+        frame.duration = 0;
+        if (!loader.parseSpriteCel(&cels[i], frame.duration, frame.exitOperations, frame.enterOperations, frame.chunks))
+            return false;
+        const char* label = cels[i].label ? loader.getReader()->string(cels[i].label) : 0;
+        if (label)
+            appendFrameStart(frame, label);
+        else
+            appendFrame(frame);
+    }
+    return true;
 }

@@ -69,6 +69,8 @@ public:
 
     /// No cels; one animation with the empty label; playing and skippable.
     CActor2D();
+    /// A new actor loaded from an actor JSON file or dataset (see loadFile).
+    CActor2D(Glib::ustring path, AvatarCostume* costume, CTextureSheet* sheet);
     /// Copies cels (sharing their chunks), animations, position in the
     /// animation, flags and callbacks. The copy is not draw managed.
     CActor2D(const CActor2D& other);
@@ -82,6 +84,9 @@ public:
     /// Actors draw through the draw manager only: this does nothing.
     virtual void draw(tColor* color);
 
+    /// Appends the cels of an actor file: a path ending in ".dsetBin" is a
+    /// dataset, anything else JSON. Image names are relative to the file's directory.
+    bool loadFile(Glib::ustring path, AvatarCostume* costume, CTextureSheet* sheet);
     virtual bool loadJson(Glib::ustring path, AvatarCostume* costume, CTextureSheet* sheet);
     virtual bool loadDset(Glib::ustring path, AvatarCostume* costume, CTextureSheet* sheet);
 

@@ -1,0 +1,275 @@
+#include "CSceneLoaderDset.h"
+
+#include "Avatar2DPiece.h"
+#include "CBillboard.h"
+#include "CDrawChunk.h"
+#include "CDsetReader.h"
+#include "CSprite.h"
+
+#include <BaseUtils.h>
+#include <DebugMPI.h>
+#include <Dataset.h>
+
+namespace {
+
+const char* const kFile = "Zephrin2D/Src/CSceneLoaderDset";
+
+const Tadwick::Vell::CDebugMPI& debug()
+{
+    static Tadwick::Vell::CDebugMPI d(0x287);
+    return d;
+}
+
+template <class T>
+bool earlierDefinition(uint16_t id, std::vector<boost::shared_ptr<T> >& table, boost::shared_ptr<T>& found,
+                       const char* wrongMessage)
+{
+    if (id < table.size()) {
+        found = table[id];
+        return true;
+    }
+    if (id != table.size())
+        debug().DebugOut(3, wrongMessage, static_cast<int>(id), static_cast<int>(table.size()));
+    return false;
+}
+
+} // namespace
+
+const char* const CSceneLoaderDset::dsetExtension = ".dsetBin";
+const char* const CSceneLoaderDset::relinkExtension = ".relinkBin";
+
+CSceneLoaderDset::CSceneLoaderDset() : mCostume(0), mTextureSheet(0) {}
+
+CSceneLoaderDset::~CSceneLoaderDset() {}
+
+void CSceneLoaderDset::setCostume(AvatarCostume* costume) { mCostume = costume; }
+void CSceneLoaderDset::setTextureSheet(CTextureSheet* sheet) { mTextureSheet = sheet; }
+void CSceneLoaderDset::setDefaultPath(Glib::ustring path) { mDefaultPath = path; }
+
+boost::shared_ptr<CDataset> CSceneLoaderDset::LoadDset(Glib::ustring path, void*& data)
+{
+    data = 0;
+    const std::string p = path.raw();
+    const std::string::size_type at = p.rfind(dsetExtension);
+    BaseUtils::Assert(at != std::string::npos, kFile, __LINE__,
+                      "CSceneLoaderDset::LoadDataset file name \"%s\" doesn't have \"%s\" extension.", p.c_str(),
+                      dsetExtension);
+    if (at == std::string::npos)
+        return boost::shared_ptr<CDataset>();
+    const std::string relink = p.substr(0, at) + relinkExtension;
+    boost::shared_ptr<CDataset> dataset = LoadDataset(p.c_str(), relink.c_str());
+    if (dataset) {
+        data = dataset->data;
+        mReader.reset(new CDsetReader(dataset));
+    }
+    return dataset;
+}
+
+const char* CSceneLoaderDset::string(uint32_t pointer) const
+{
+    if (!mReader)
+        return static_cast<const char*>(CDsetReader::address(pointer));
+    return mReader->string(pointer);
+}
+
+template <class T> const T* CSceneLoaderDset::array(uint32_t pointer, uint32_t count) const
+{
+    if (count == 0)
+        return 0;
+    if (!mReader)
+        return static_cast<const T*>(CDsetReader::address(pointer));
+    return mReader->array<T>(pointer, count);
+}
+
+void CSceneLoaderDset::parseColorPortion(const tDsetColor* record, tColor& color)
+{
+    color = tColor{record->red, record->green, record->blue, record->alpha};
+}
+
+void CSceneLoaderDset::parseGraphicElementPortion(const tDsetGraphicElement* record, CGraphicElement* element)
+{
+    element->moveTo(tVect3{tFixed::fromRaw(record->positionX), tFixed::fromRaw(record->positionY),
+                           tFixed::fromRaw(record->positionZ)});
+    element->rotateTo(tFixed::fromRaw(record->rotation));
+    element->scaleTo(tVect2{tFixed::fromRaw(record->scaleX), tFixed::fromRaw(record->scaleY)});
+    element->moveRegTo(tVect2{tFixed::fromRaw(record->regX), tFixed::fromRaw(record->regY)});
+    tColor color;
+    parseColorPortion(&record->color, color);
+    element->setColor(color);
+}
+
+boost::shared_ptr<CBillboard> CSceneLoaderDset::parseBillboard(const tDsetBillboard* record)
+{
+    boost::shared_ptr<CBillboard> billboard;
+    if (earlierDefinition(record->id, mBillboards, billboard,
+                          "CSceneLoaderDset::parseBillboard ID number is wrong, got %d, expected %d\n"))
+        return billboard;
+    billboard.reset(new CBillboard());
+    mBillboards.push_back(billboard);
+    parseGraphicElementPortion(&record->element, billboard.get());
+    const char* name = string(record->url);
+    if (!name) {
+        BaseUtils::Assert(false, kFile, __LINE__, "CSceneLoaderDset::parseBillboard image name outside the dataset");
+        return billboard;
+    }
+    bool loaded = mTextureSheet && billboard->loadTexture(name, mTextureSheet);
+    if (!loaded)
+        loaded = billboard->loadTexture(mDefaultPath + name, 0);
+    BaseUtils::Assert(loaded, kFile, __LINE__, "CSceneLoaderDset::parseBillboard texture %s did not load",
+                      (mDefaultPath + name).c_str());
+    return billboard;
+}
+
+boost::shared_ptr<Avatar2DPiece> CSceneLoaderDset::parseAvatarPiece(const tDsetAvatarPiece* record)
+{
+    BaseUtils::Assert(mCostume != 0, kFile, __LINE__,
+                      "CSceneLoaderDset::parseAvatarPiece - no costume defined, probably tried to load with parseSpritePortion");
+    boost::shared_ptr<Avatar2DPiece> piece;
+    if (earlierDefinition(record->id, mAvatarPieces, piece,
+                          "CSceneLoaderDset::parseAvatarPiece ID number is wrong, got %d, expected %d\n"))
+        return piece;
+    piece.reset(new Avatar2DPiece());
+    mAvatarPieces.push_back(piece);
+    parseGraphicElementPortion(&record->element, piece.get());
+    const char* component = string(record->component);
+    const char* variation = string(record->variation);
+    if (!component || !variation) {
+        BaseUtils::Assert(false, kFile, __LINE__, "CSceneLoaderDset::parseAvatarPiece names outside the dataset");
+        return piece;
+    }
+    piece->setPiece(component, variation);
+    piece->setCostume(mCostume);
+    return piece;
+}
+
+void CSceneLoaderDset::parseBillboards(unsigned long count, const tDsetBillboard* records, CSprite* sprite)
+{
+    for (unsigned long i = 0; i < count; ++i)
+        sprite->attach(parseBillboard(&records[i]));
+}
+
+void CSceneLoaderDset::parseAvatarPieces(unsigned long count, const tDsetAvatarPiece* records, CSprite* sprite)
+{
+    for (unsigned long i = 0; i < count; ++i)
+        sprite->attach(parseAvatarPiece(&records[i]));
+}
+
+boost::shared_ptr<CSpriteCel> CSceneLoaderDset::parseSpriteCel(const tDsetSpriteCel* record)
+{
+    boost::shared_ptr<CSpriteCel> cel(new CSpriteCel());
+    const tDsetBillboard* billboards = array<tDsetBillboard>(record->billboards, record->billboardCount);
+    const tDsetAvatarPiece* pieces = array<tDsetAvatarPiece>(record->avatarPieces, record->avatarPieceCount);
+    const tDsetOperation* ops = array<tDsetOperation>(record->operations, record->operationCount);
+    if ((record->billboardCount && !billboards) || (record->avatarPieceCount && !pieces) ||
+        (record->operationCount && !ops)) {
+        BaseUtils::Assert(false, kFile, __LINE__, "CSceneLoaderDset::parseSpriteCel record reaches outside the dataset");
+        return cel;
+    }
+    cel->getChunks().reserve(record->billboardCount + record->avatarPieceCount);
+    parseBillboards(record->billboardCount, billboards, cel.get());
+    parseAvatarPieces(record->avatarPieceCount, pieces, cel.get());
+    cel->duration = record->duration;
+    for (uint32_t i = 0; i < record->operationCount; ++i) {
+        operation op;
+        op.opcode = ops[i].opcode;
+        op.oparg = ops[i].opcode == operation::PLAY_AUDIO ? 0 : ops[i].oparg;
+        cel->pushBackOperation(op);
+    }
+    return cel;
+}
+
+boost::shared_ptr<CDrawChunk> CSceneLoaderDset::parseBillboardChunk(const tDsetBillboard* record)
+{
+    boost::shared_ptr<CDrawChunk> chunk;
+    if (earlierDefinition(record->id, mBillboardChunks, chunk,
+                          "CSceneLoaderDset::parseBillboardChunk ID number is wrong, got %d, expected %d\n"))
+        return chunk;
+    // The billboard is a scratch object: its chunk is placed by its transform and kept on its own.
+    boost::shared_ptr<CBillboard> billboard(new CBillboard());
+    parseGraphicElementPortion(&record->element, billboard.get());
+    const char* name = string(record->url);
+    if (name) {
+        bool loaded = mTextureSheet && billboard->loadTexture(name, mTextureSheet);
+        if (!loaded)
+            loaded = billboard->loadTexture(mDefaultPath + name, 0);
+        BaseUtils::Assert(loaded, kFile, __LINE__, "CSceneLoaderDset::parseBillboard texture %s did not load",
+                          (mDefaultPath + name).c_str());
+    } else {
+        BaseUtils::Assert(false, kFile, __LINE__, "CSceneLoaderDset::parseBillboard image name outside the dataset");
+    }
+    chunk = billboard->getChunks().empty() ? boost::shared_ptr<CDrawChunk>() : billboard->getChunks()[0];
+    if (chunk)
+        chunk->transformVertices(billboard->getMatrix());
+    mBillboardChunks.push_back(chunk);
+    return chunk;
+}
+
+void CSceneLoaderDset::parseBillboards(unsigned long count, const tDsetBillboard* records, tChunkList& chunks)
+{
+    for (unsigned long i = 0; i < count; ++i) {
+        boost::shared_ptr<CDrawChunk> chunk = parseBillboardChunk(&records[i]);
+        if (chunk)
+            copyMergeChunk(chunk, chunks);
+    }
+}
+
+void CSceneLoaderDset::parseAvatarPieces(unsigned long count, const tDsetAvatarPiece* records, tChunkList& chunks)
+{
+    for (unsigned long i = 0; i < count; ++i)
+        copyMergeChunks(parseAvatarPiece(&records[i]), chunks);
+}
+
+bool CSceneLoaderDset::parseSpriteCel(const tDsetSpriteCel* record, unsigned short& duration,
+                                      tOperationList& exitOperations, tOperationList& enterOperations,
+                                      tChunkList& chunks)
+{
+    const tDsetBillboard* billboards = array<tDsetBillboard>(record->billboards, record->billboardCount);
+    const tDsetAvatarPiece* pieces = array<tDsetAvatarPiece>(record->avatarPieces, record->avatarPieceCount);
+    const tDsetOperation* ops = array<tDsetOperation>(record->operations, record->operationCount);
+    if ((record->billboardCount && !billboards) || (record->avatarPieceCount && !pieces) ||
+        (record->operationCount && !ops)) {
+        BaseUtils::Assert(false, kFile, __LINE__, "CSceneLoaderDset::parseSpriteCel record reaches outside the dataset");
+        return false;
+    }
+    chunks.reserve(chunks.size() + record->billboardCount + record->avatarPieceCount);
+    parseBillboards(record->billboardCount, billboards, chunks);
+    parseAvatarPieces(record->avatarPieceCount, pieces, chunks);
+    duration = record->duration;
+    for (uint32_t i = 0; i < record->operationCount; ++i) {
+        operation op;
+        op.opcode = ops[i].opcode;
+        op.oparg = ops[i].opcode == operation::PLAY_AUDIO ? 0 : ops[i].oparg;
+        pushBackOperation(op, exitOperations, enterOperations);
+    }
+    return true;
+}
+
+void CSceneLoaderDset::copyMergeChunks(boost::shared_ptr<CGraphicElement> element, tChunkList& chunks)
+{
+    if (!element)
+        return;
+    CGraphicElement::tChunkList& own = element->getChunks();
+    for (size_t i = 0; i < own.size(); ++i)
+        copyMergeChunk(own[i]->createTransformedChunk(element), chunks);
+}
+
+void CSceneLoaderDset::copyMergeChunk(boost::shared_ptr<CDrawChunk> chunk, tChunkList& chunks)
+{
+    const boost::shared_ptr<CGraphicElement> inPlace;
+    for (size_t i = 0; i < chunks.size(); ++i) {
+        if (chunks[i]->canMerge(inPlace, chunk)) {
+            chunks[i]->merge(inPlace, chunk);
+            return;
+        }
+    }
+    // A copy, so that merging into it later never changes a chunk someone else holds.
+    chunks.push_back(chunk->createTransformedChunk(inPlace));
+}
+
+void CSceneLoaderDset::pushBackOperation(operation op, tOperationList& exitOperations, tOperationList& enterOperations)
+{
+    if (op.opcode == operation::GOTO_AND_PLAY || op.opcode == operation::GOTO_AND_STOP)
+        exitOperations.push_back(op);
+    else if (op.opcode >= operation::TRIGGER && op.opcode <= operation::PLAY_AUDIO)
+        enterOperations.push_back(op);
+}
