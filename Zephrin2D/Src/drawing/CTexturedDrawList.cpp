@@ -2,6 +2,8 @@
 
 #include "CGraphicElement.h"
 #include "CTexturedChunk.h"
+#include "tIndexStream.h"
+#include "tVertexStream.h"
 
 #include <BaseUtils.h>
 
@@ -12,9 +14,6 @@ namespace {
 const char* const kFile = "Zephrin2D/Src/CTexturedDrawList";
 const size_t MAX_COUNT = 65535;
 const size_t NONE = static_cast<size_t>(-1);
-/// Vertices and indices go to GL through fixed blocks on the stack, never through the heap.
-const size_t VERTEX_BLOCK = 1024;
-const size_t INDEX_BLOCK = 6144;
 
 int32_t depthOf(const tElementTexturedChunkPairEntryStruct& e)
 {
@@ -23,72 +22,6 @@ int32_t depthOf(const tElementTexturedChunkPairEntryStruct& e)
     // The largest value means "no more depths" to the draw manager.
     return z < CDrawList::NO_MORE_DEPTHS ? z : CDrawList::NO_MORE_DEPTHS - 1;
 }
-
-/// Streams vertex data into a buffer (and its coordinates into a second one)
-/// block by block. The first flush of an allocating upload creates the
-/// buffers at their full size, with the data when it all fits one block.
-class tVertexStream
-{
-public:
-    tVertexStream(GLuint positionBuffer, GLuint coordBuffer)
-        : mPositionBuffer(positionBuffer), mCoordBuffer(coordBuffer), mStart(0), mCount(0), mCoords(false),
-          mAllocateTotal(0)
-    {
-    }
-    ~tVertexStream() { flush(); }
-
-    void allocate(size_t total) { mAllocateTotal = total; }
-    /// Continues at vertex offset start; coords says whether coordinates go up too.
-    void seek(size_t start, bool coords)
-    {
-        if (mStart + mCount == start && mCoords == coords)
-            return;
-        flush();
-        mStart = start;
-        mCoords = coords;
-    }
-    size_t end() const { return mStart + mCount; }
-    void put(const tVect3& position, const tVect2& coord)
-    {
-        mPositions[mCount] = position;
-        mTexCoords[mCount] = coord;
-        if (++mCount == VERTEX_BLOCK)
-            flush();
-    }
-    void flush()
-    {
-        if (mCount == 0)
-            return;
-        upload(mPositionBuffer, mPositions, sizeof(tVect3));
-        if (mCoords)
-            upload(mCoordBuffer, mTexCoords, sizeof(tVect2));
-        mAllocateTotal = 0;
-        mStart += mCount;
-        mCount = 0;
-    }
-
-private:
-    void upload(GLuint buffer, const void* data, size_t size)
-    {
-        glBindBuffer(GL_ARRAY_BUFFER, buffer);
-        if (mAllocateTotal) {
-            const bool whole = mCount == mAllocateTotal;
-            glBufferData(GL_ARRAY_BUFFER, mAllocateTotal * size, whole ? data : 0, GL_DYNAMIC_DRAW);
-            if (whole)
-                return;
-        }
-        glBufferSubData(GL_ARRAY_BUFFER, mStart * size, mCount * size, data);
-    }
-
-    GLuint mPositionBuffer;
-    GLuint mCoordBuffer;
-    size_t mStart;
-    size_t mCount;
-    bool mCoords;
-    size_t mAllocateTotal;
-    tVect3 mPositions[VERTEX_BLOCK];
-    tVect2 mTexCoords[VERTEX_BLOCK];
-};
 
 /// Writes one entry's vertices, transformed, into the stream; false when
 /// the chunk no longer has the vertex count it was accepted with.
@@ -106,43 +39,6 @@ bool streamEntry(tVertexStream& stream, tElementTexturedChunkPairEntryStruct& e)
     e.texCoordsDirty = false;
     return vertices.size() == e.vertexCount;
 }
-
-/// The index counterpart of tVertexStream, for the bound element buffer.
-class tIndexStream
-{
-public:
-    explicit tIndexStream(size_t allocateTotal) : mStart(0), mCount(0), mAllocateTotal(allocateTotal) {}
-    ~tIndexStream() { flush(); }
-
-    void put(uint16_t index)
-    {
-        mIndices[mCount] = index;
-        if (++mCount == INDEX_BLOCK)
-            flush();
-    }
-    void flush()
-    {
-        if (mCount == 0)
-            return;
-        const size_t size = sizeof(uint16_t);
-        bool done = false;
-        if (mAllocateTotal) {
-            done = mCount == mAllocateTotal;
-            glBufferData(GL_ELEMENT_ARRAY_BUFFER, mAllocateTotal * size, done ? mIndices : 0, GL_DYNAMIC_DRAW);
-            mAllocateTotal = 0;
-        }
-        if (!done)
-            glBufferSubData(GL_ELEMENT_ARRAY_BUFFER, mStart * size, mCount * size, mIndices);
-        mStart += mCount;
-        mCount = 0;
-    }
-
-private:
-    size_t mStart;
-    size_t mCount;
-    size_t mAllocateTotal;
-    uint16_t mIndices[INDEX_BLOCK];
-};
 
 } // namespace
 
