@@ -1,0 +1,229 @@
+#include "TestSupport.h"
+
+#include "ActorCompare.h"
+#include "CActor2D.h"
+#include "CAvatarCostume.h"
+#include "CDrawChunk.h"
+#include "CSceneLoaderDset.h"
+#include "DsetCompiler.h"
+#include "DsetWriter.h"
+#include "tDsetRecords.h"
+
+#include <Dataset.h>
+
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+namespace {
+
+const char* const kTextures[] = {"ball_pal4.png", "bricks_rgb.png", "ghost_pal8_trns.png", "glow_rgba.png",
+                                 "star_pal4_trns.png", "tree_pal8.png"};
+
+/// An actor of celCount cels: labels every 7 cels, several billboards per
+/// cel over opaque and translucent textures at a few depths, operations of
+/// every kind (references to earlier billboards included).
+std::string generatedActor(int celCount)
+{
+    std::ostringstream j;
+    j << "{\"Position\": [12.5, 20.0, 1.0], \"Rotation\": 10.0, \"Scale\": [1.5, 0.75], \"Reg\": [4.0, 2.0],\n"
+      << " \"Color\": [200, 210, 220, 230], \"Animation\": [\n";
+    int billboards = 0;
+    for (int c = 0; c < celCount; ++c) {
+        j << (c ? ",\n" : "") << "{\"ID\": " << c << ", \"Duration\": " << (c * 37) % 500;
+        if (c % 7 == 0)
+            j << ", \"Label\": \"anim" << c / 7 << "\"";
+        j << ", \"Operations\": [{\"Opcode\": " << 1 + c % 6 << ", \"Oparg\": " << (c * 3) % 9 << "}";
+        if (c % 5 == 0)
+            j << ", {\"Opcode\": 5, \"Oparg\": [\"boing.wav\", \"second\"]}, {\"Opcode\": 0}, {\"Opcode\": 3}";
+        j << "], \"Children\": [";
+        for (int b = 0; b < 1 + c % 4; ++b) {
+            if (b && c % 3 == 0 && billboards > 0) {
+                j << ", {\"ElementType\": 0, \"ID\": " << (c * 7) % billboards << "}";
+                continue;
+            }
+            j << (b ? ", " : "") << "{\"ElementType\": 0, \"ID\": " << billboards++ << ", \"URL\": \""
+              << kTextures[(c + b) % 6] << "\", \"Position\": [" << b * 10 << ".25, " << c % 13 << ".5, " << b % 2
+              << ".0], \"Rotation\": " << (c * 11) % 360 << ".0, \"Scale\": [1.0, 2.0], \"Color\": [1, 2, 3, 4]}";
+        }
+        j << "]}";
+    }
+    j << "\n]}\n";
+    return j.str();
+}
+
+class SceneLoaderDsetTest : public GLTest
+{
+protected:
+    void SetUp() override
+    {
+        GLTest::SetUp();
+        dir = scratchDir("dset");
+        // Image names in actor files are relative to the file: keep the art beside it.
+        for (const char* t : kTextures) {
+            std::ifstream in(examplesPath(std::string("art/") + t), std::ios::binary);
+            std::ofstream(dir + "/" + t, std::ios::binary) << in.rdbuf();
+        }
+    }
+
+    std::string compile(const std::string& name, const std::string& json)
+    {
+        const std::string base = dir + "/" + name;
+        std::ofstream(base + ".json") << json;
+        std::string error;
+        DsetCompiler::tKind kind;
+        EXPECT_TRUE(DsetCompiler::compileFile(base + ".json", base, kind, error)) << error;
+        return base;
+    }
+
+    std::vector<uint8_t> readBytes(const std::string& path)
+    {
+        std::ifstream in(path, std::ios::binary);
+        return std::vector<uint8_t>(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    }
+
+    void writeBytes(const std::string& path, const std::vector<uint8_t>& bytes)
+    {
+        std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    }
+
+    std::string dir;
+};
+
+TEST_F(SceneLoaderDsetTest, GeneratedActorsLoadTheSameFromJsonAndDataset)
+{
+    for (int cels : {1, 40, 300}) {
+        const std::string base = compile("generated" + std::to_string(cels), generatedActor(cels));
+        boost::shared_ptr<CActor2D> fromJson(new CActor2D(base + ".json", 0, 0));
+        boost::shared_ptr<CActor2D> fromDset(new CActor2D(base + ".dsetBin", 0, 0));
+        ASSERT_EQ(fromJson->getCelCount(), static_cast<unsigned int>(cels));
+        std::string why;
+        EXPECT_TRUE(sameActor(*fromJson, *fromDset, why)) << cels << " cels: " << why;
+    }
+}
+
+TEST_F(SceneLoaderDsetTest, CelsMergeIntoOneChunkPerTextureRun)
+{
+    const std::string base = compile("merge", R"({"Animation": [{"ID": 0, "Duration": 10, "Children": [
+        {"ElementType": 0, "ID": 0, "URL": "bricks_rgb.png", "Position": [0.0, 0.0]},
+        {"ElementType": 0, "ID": 1, "URL": "bricks_rgb.png", "Position": [40.0, 0.0, 3.0]},
+        {"ElementType": 0, "ID": 2, "URL": "glow_rgba.png", "Position": [0.0, 0.0, 1.0]},
+        {"ElementType": 0, "ID": 3, "URL": "glow_rgba.png", "Position": [9.0, 0.0, 1.0]},
+        {"ElementType": 0, "ID": 4, "URL": "glow_rgba.png", "Position": [0.0, 0.0, 2.0]}]}]})");
+    boost::shared_ptr<CActor2D> actor(new CActor2D(base + ".dsetBin", 0, 0));
+    ASSERT_EQ(actor->getCelCount(), 1u);
+    const tActor2DFrameStruct& cel = actor->getCel(0);
+    ASSERT_EQ(cel.chunks.size(), 3u) << "opaque merge at any depth, translucent only at equal depth";
+    EXPECT_EQ(cel.chunks[0]->getVertices().size(), 8u);
+    EXPECT_EQ(cel.chunks[1]->getVertices().size(), 8u);
+    EXPECT_EQ(cel.chunks[2]->getVertices().size(), 4u);
+}
+
+TEST_F(SceneLoaderDsetTest, PathsAndExtensions)
+{
+    AssertCapture asserts;
+    DebugCapture debug;
+    CSceneLoaderDset loader;
+    void* data = reinterpret_cast<void*>(1);
+    EXPECT_FALSE(loader.LoadDset(dir + "/scene.json", data));
+    EXPECT_EQ(data, nullptr);
+    EXPECT_TRUE(asserts.has("CSceneLoaderDset::LoadDataset file name \"" + dir +
+                            "/scene.json\" doesn't have \".dsetBin\" extension."));
+    loader.LoadDset(dir + "/x.dsetBin.dsetBin", data);
+    bool namedRelink = false;
+    for (const auto& e : debug.entries())
+        namedRelink |= e.text.find("x.dsetBin.relinkBin") != std::string::npos ||
+                       e.text.find("x.dsetBin.dsetBin") != std::string::npos;
+    EXPECT_TRUE(namedRelink);
+
+    boost::shared_ptr<CActor2D> actor(new CActor2D());
+    EXPECT_FALSE(actor->loadFile(".dsetBin", 0, 0)) << "the extension alone is a JSON name";
+    EXPECT_TRUE(asserts.has("CActor2D::loadJson(char *url) outermost container is not an object\n"));
+}
+
+TEST_F(SceneLoaderDsetTest, BrokenDatasetsAreRefused)
+{
+    const std::string base = compile("good", generatedActor(6));
+    const std::vector<uint8_t> good = readBytes(base + ".dsetBin");
+    const std::vector<uint8_t> relink = readBytes(base + ".relinkBin");
+    uint32_t root;
+    memcpy(&root, &good[8], 4);
+    const uint32_t celsField = root + offsetof(tDsetActor, cels);
+    uint32_t firstCel;
+    memcpy(&firstCel, &good[celsField], 4);
+
+    struct tCase
+    {
+        const char* name;
+        std::function<void(std::vector<uint8_t>&, std::vector<uint8_t>&)> damage;
+    };
+    const tCase cases[] = {
+        {"truncated", [](std::vector<uint8_t>& d, std::vector<uint8_t>&) { d.resize(d.size() / 2); }},
+        {"header only", [](std::vector<uint8_t>& d, std::vector<uint8_t>&) { d.resize(12); }},
+        {"pointer past the end", [&](std::vector<uint8_t>& d, std::vector<uint8_t>&) {
+             const uint32_t far = static_cast<uint32_t>(d.size()) + 64;
+             memcpy(&d[celsField], &far, 4);
+         }},
+        {"cel count past the end", [&](std::vector<uint8_t>& d, std::vector<uint8_t>&) {
+             const uint32_t many = 1000000;
+             memcpy(&d[root + offsetof(tDsetActor, celCount)], &many, 4);
+         }},
+        {"billboard count past the end", [&](std::vector<uint8_t>& d, std::vector<uint8_t>&) {
+             const uint32_t many = 0x7FFFFFFF;
+             memcpy(&d[firstCel + offsetof(tDsetSpriteCel, billboardCount)], &many, 4);
+         }},
+        {"operation count wraps", [&](std::vector<uint8_t>& d, std::vector<uint8_t>&) {
+             const uint32_t many = 0xFFFFFFFF;
+             memcpy(&d[firstCel + offsetof(tDsetSpriteCel, operationCount)], &many, 4);
+         }},
+        {"not an actor", [&](std::vector<uint8_t>& d, std::vector<uint8_t>&) { d[root] ^= 0xFF; }},
+        {"relink offset outside", [](std::vector<uint8_t>& d, std::vector<uint8_t>& r) {
+             const uint32_t far = static_cast<uint32_t>(d.size());
+             r.insert(r.end(), reinterpret_cast<const uint8_t*>(&far), reinterpret_cast<const uint8_t*>(&far) + 4);
+         }},
+        {"missing relink file", [](std::vector<uint8_t>&, std::vector<uint8_t>& r) { r.clear(); r.push_back(1); }},
+    };
+    for (const tCase& c : cases) {
+        std::vector<uint8_t> d = good, r = relink;
+        c.damage(d, r);
+        const std::string path = dir + "/broken.dsetBin";
+        writeBytes(path, d);
+        writeBytes(dir + "/broken.relinkBin", r);
+        if (std::string(c.name) == "missing relink file")
+            std::remove((dir + "/broken.relinkBin").c_str());
+        AssertCapture asserts;
+        DebugCapture debug;
+        boost::shared_ptr<CActor2D> actor(new CActor2D());
+        const bool loaded = actor->loadDset(path, 0, 0);
+        EXPECT_FALSE(loaded) << c.name;
+        EXPECT_FALSE(asserts.entries().empty()) << c.name << ": refused without a message";
+        actor->update(100);
+    }
+}
+
+TEST_F(SceneLoaderDsetTest, CostumesLoadTheSameFromJsonAndDataset)
+{
+    const std::string json = R"({"AudioList": [{"Name": "hi", "URI": "hi.wav"}], "LODList": [
+        {"Size": 32, "TextureURI": "ball_pal4.png", "ComponentList": [{"Name": "head", "Variations": [
+            {"Name": "a", "RectLeft": 0, "RectTop": 0, "RectRight": 16, "RectBottom": 16, "RegPointX": 8.5, "RegPointY": 8},
+            {"Name": "b", "RectLeft": 16, "RectTop": 0, "RectRight": 32, "RectBottom": 16, "RegPointX": 0, "RegPointY": 0}]}]},
+        {"Size": 64, "TextureURI": "tree_pal8.png", "ComponentList": []}]})";
+    const std::string base = compile("costume", json);
+    AvatarCostume a, b;
+    a.addFromJson(base + ".json", 0, 0);
+    b.addFromFile(base + ".dsetBin", 0, 0);
+    ASSERT_EQ(a.getLODs().size(), 2u);
+    ASSERT_EQ(b.getLODs().size(), 2u);
+    for (size_t i = 0; i < 2; ++i) {
+        EXPECT_EQ(a.getLODs()[i].size, b.getLODs()[i].size);
+        EXPECT_EQ(a.getLODs()[i].texture, b.getLODs()[i].texture);
+        EXPECT_EQ(a.getLODs()[i].componentOrder, b.getLODs()[i].componentOrder);
+    }
+    EXPECT_EQ(a.getAudio(), b.getAudio());
+    const tAvatarTexturePiece pa = a.getAvatarTexturePiece("head", "a");
+    const tAvatarTexturePiece pb = b.getAvatarTexturePiece("head", "a");
+    EXPECT_EQ(pa.variation.regX, pb.variation.regX);
+    EXPECT_EQ(pa.variation.right, pb.variation.right);
+}
+
+} // namespace
