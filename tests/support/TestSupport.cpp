@@ -161,7 +161,8 @@ std::string scratchDir(const std::string& name)
 {
     std::string dir = std::string(Z2D_BINARY_DIR) + "/scratch";
     mkdir(dir.c_str(), 0755);
-    dir += "/" + name;
+    // Per process: ctest runs tests in parallel, each in its own process.
+    dir += "/" + name + "-" + std::to_string(getpid());
     mkdir(dir.c_str(), 0755);
     return dir;
 }

@@ -83,7 +83,7 @@ protected:
 
 std::string testDataPath(const std::string& relative);
 std::string examplesPath(const std::string& relative);
-/// A fresh directory under the build tree for one test's files.
+/// A directory under the build tree for one test process's files.
 std::string scratchDir(const std::string& name);
 
 #endif
