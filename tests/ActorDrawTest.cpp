@@ -3,6 +3,7 @@
 #include "RecordingChunk.h"
 
 #include "CActor2D.h"
+#include "CBillboard.h"
 #include "CDrawManager.h"
 #include "CGraphics2D.h"
 #include "CSprite.h"
@@ -90,28 +91,33 @@ protected:
     std::vector<GLuint> mTextures;
 };
 
-TEST_F(ActorDrawTest, SpriteMergesQuadsOfOneTexture)
+TEST_F(ActorDrawTest, SpriteMergesBillboardsOfOneTexture)
 {
-    const GLuint red = texture(RED), green = texture(GREEN);
-    struct { const char* name; GLuint second; size_t chunks; tColor right; } cases[] = {
-        {"same texture", red, 1, RED},
-        {"two textures", green, 2, GREEN},
+    const std::string tree = examplesPath("art/tree_pal8.png"), ball = examplesPath("art/ball_pal4.png");
+    struct { const char* name; std::string second; std::vector<long> drawnIndices; } cases[] = {
+        {"same texture", tree, {12}},
+        {"two textures", ball, {6, 6}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         boost::shared_ptr<CSprite> sprite = boost::make_shared<CSprite>();
-        sprite->attach(boost::make_shared<Quad>(red, 0, 0, 16, 16));
-        boost::shared_ptr<Quad> right = boost::make_shared<Quad>(c.second, 0, 0, 16, 16);
-        right->moveTo(tVect2{tFixed(20), ZERO_X});
-        sprite->attach(right);
-        ASSERT_EQ(sprite->getChunks().size(), c.chunks);
-        EXPECT_EQ(static_cast<CTexturedChunk*>(sprite->getChunks()[0].get())->getTextureId(), red);
-        sprite->moveTo(tVect2{tFixed(4), tFixed(4)});
+        boost::shared_ptr<CBillboard> first = boost::make_shared<CBillboard>(tree, true);
+        boost::shared_ptr<CBillboard> second = boost::make_shared<CBillboard>(c.second, true);
+        second->moveTo(tVect2{tFixed(20), ZERO_X});
+        sprite->attach(first);
+        sprite->attach(second);
+        ASSERT_EQ(sprite->getChunks().size(), c.drawnIndices.size());
+        EXPECT_EQ(static_cast<CTexturedChunk*>(sprite->getChunks().front().get())->getTextureId(), first->getTextureId());
+        EXPECT_EQ(static_cast<CTexturedChunk*>(sprite->getChunks().back().get())->getTextureId(), second->getTextureId());
         CDrawManager::Instance()->add(sprite);
+        GLRecorder::clear();
+        GLRecorder::start();
         frame();
-        EXPECT_EQ(pixel(8, 8), RED);
-        EXPECT_EQ(pixel(30, 8), c.right);
-        EXPECT_EQ(pixel(22, 8), BLACK) << "the gap between the quads";
+        GLRecorder::stop();
+        std::vector<long> drawn;
+        for (const auto& call : GLRecorder::callsNamed("glDrawElements"))
+            drawn.push_back(call.args[1]);
+        EXPECT_EQ(drawn, c.drawnIndices);
         CDrawManager::Instance()->remove(sprite);
     }
 }
