@@ -6,7 +6,7 @@
 #include <GLES/gl.h>
 
 /// How pixels are stored: palette indices of 1, 2, 4 or 8 bits, or direct colours.
-enum tPalType
+enum tPalType : int32_t
 {
     PAL_PALETTE1 = 1,
     PAL_PALETTE2 = 2,
@@ -16,7 +16,7 @@ enum tPalType
 };
 
 /// The layout of one colour: of a palette entry when paletted, of a pixel otherwise.
-enum kPixelFormat
+enum kPixelFormat : int32_t
 {
     kPixelFormatRGBA4444 = 1,  ///< 16-bit word: red 15-12, green 11-8, blue 7-4, alpha 3-0
     kPixelFormatRGB565 = 2,    ///< 16-bit word: red 15-11, green 10-5, blue 4-0
