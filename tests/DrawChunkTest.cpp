@@ -143,12 +143,4 @@ TEST(DrawChunk, MergedChunkAppendsRenumberedGeometry)
     EXPECT_EQ(a->getIndices()[11], 7);
 }
 
-TEST(DrawChunk, CreatesATexturedDrawList)
-{
-    boost::shared_ptr<CTexturedChunk> chunk = quad(boost::shared_ptr<CTexture>(), 1, 1);
-    boost::shared_ptr<CDrawList> list = chunk->createDrawList();
-    ASSERT_TRUE(boost::dynamic_pointer_cast<CTexturedDrawList>(list));
-    EXPECT_TRUE(list->empty());
-}
-
 } // namespace

@@ -94,19 +94,6 @@ TEST_F(DrawListTest, BookkeepingOfAddRemoveShowHide)
     EXPECT_TRUE(a->getChunks()[0]->getDrawList().expired()) << "a removed chunk belongs to no list";
 }
 
-TEST_F(DrawListTest, AcceptedChunkNamesItsList)
-{
-    boost::shared_ptr<Element> a = quadElement(solidTexture(RED), 0, 0, Z(0));
-    boost::shared_ptr<CTexturedDrawList> list(new CTexturedDrawList());
-    ASSERT_TRUE(list->add(a, a->getChunks()[0]));
-    EXPECT_EQ(a->getChunks()[0]->getDrawList().lock(), list);
-    EXPECT_FALSE(list->isTranslucent());
-    boost::shared_ptr<Element> glass = quadElement(solidTexture(tColor{0, 0, 255, 128}), 0, 0, Z(0));
-    boost::shared_ptr<CTexturedDrawList> alphaList(new CTexturedDrawList());
-    ASSERT_TRUE(alphaList->add(glass, glass->getChunks()[0]));
-    EXPECT_TRUE(alphaList->isTranslucent());
-}
-
 TEST_F(DrawListTest, ChunkWithoutTextureIsReported)
 {
     AssertCapture asserts;

@@ -89,20 +89,6 @@ TEST_F(DrawManagerTest, RoutesPairsByTextureAndTranslucency)
     EXPECT_EQ(redList->getEntryCount(), 1u);
 }
 
-TEST_F(DrawManagerTest, AddListAndRemoveList)
-{
-    boost::shared_ptr<CTexturedDrawList> empty(new CTexturedDrawList());
-    manager()->addList(empty);
-    EXPECT_EQ(manager()->getOpaqueLists().size(), 1u) << "a list without chunks counts as opaque";
-    manager()->removeList(empty);
-    EXPECT_TRUE(manager()->getOpaqueLists().empty());
-    boost::shared_ptr<Element> glass = quadElement(solidTexture(tColor{0, 0, 255, 128}), 0, 0, Z(0));
-    boost::shared_ptr<CTexturedDrawList> list(new CTexturedDrawList());
-    list->add(glass, glass->getChunks()[0]);
-    manager()->addList(list);
-    EXPECT_EQ(manager()->getTranslucentLists().size(), 1u);
-}
-
 TEST_F(DrawManagerTest, TranslucentDepthsInterleaveAcrossLists)
 {
     boost::shared_ptr<CTexture> a = solidTexture(tColor{255, 0, 0, 128});
