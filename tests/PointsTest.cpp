@@ -77,6 +77,21 @@ TEST_F(PointsTest, ResizingKeepsThePointsThatStay)
     EXPECT_EQ(cloud.getNumberVertices(), 1);
 }
 
+TEST_F(PointsTest, CopiesHaveTheirOwnPoints)
+{
+    CGraphicPoints cloud;
+    cloud.setNumberVertices(2);
+    cloud.setVertexN(0, P(1, 2));
+    CGraphicPoints copy(cloud);
+    CGraphicPoints assigned;
+    assigned = cloud;
+    copy.setVertexN(0, P(5, 5));
+    assigned.setVertexN(0, P(6, 6));
+    EXPECT_EQ(cloud.getVertexN(0), P(1, 2));
+    EXPECT_EQ(copy.getVertexN(0), P(5, 5));
+    EXPECT_EQ(assigned.getNumberVertices(), 2);
+}
+
 TEST_F(PointsTest, BadInputIsReported)
 {
     AssertCapture asserts;

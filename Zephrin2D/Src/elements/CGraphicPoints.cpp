@@ -30,6 +30,27 @@ CGraphicPoints::CGraphicPoints(unsigned short count, const Glib::ustring& path)
     loadTexture(path);
 }
 
+CGraphicPoints::CGraphicPoints(const CGraphicPoints& other) : CGraphicElement(other)
+{
+    boost::shared_ptr<CPointSpriteChunk> theirs =
+        other.mChunks.empty() ? boost::shared_ptr<CPointSpriteChunk>()
+                              : boost::dynamic_pointer_cast<CPointSpriteChunk>(other.mChunks[0]);
+    mChunks.resize(1);
+    mChunks[0].reset(theirs ? new CPointSpriteChunk(*theirs) : new CPointSpriteChunk());
+}
+
+CGraphicPoints& CGraphicPoints::operator=(const CGraphicPoints& other)
+{
+    if (this == &other)
+        return *this;
+    CGraphicElement::operator=(other);
+    const CPointSpriteChunk* theirs =
+        other.mChunks.empty() ? 0 : dynamic_cast<const CPointSpriteChunk*>(other.mChunks[0].get());
+    mChunks.resize(1);
+    mChunks[0].reset(theirs ? new CPointSpriteChunk(*theirs) : new CPointSpriteChunk());
+    return *this;
+}
+
 boost::shared_ptr<CPointSpriteChunk> CGraphicPoints::points()
 {
     boost::shared_ptr<CPointSpriteChunk> chunk =

@@ -20,6 +20,10 @@ public:
     CGraphicPoints();
     /// count points at the origin, drawn with the texture of the image file.
     CGraphicPoints(unsigned short count, const Glib::ustring& path);
+    /// The copy has its own points (a copy of other's), so moving them leaves other alone.
+    CGraphicPoints(const CGraphicPoints& other);
+    /// As for every element, a registered target first withdraws its chunk.
+    CGraphicPoints& operator=(const CGraphicPoints& other);
 
     /// Points kept keep their positions; new ones start at (0, 0, 0).
     void setNumberVertices(unsigned short count);
