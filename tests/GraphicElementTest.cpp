@@ -1,0 +1,202 @@
+#include "TestSupport.h"
+#include "GLCallText.h"
+#include "RecordingChunk.h"
+
+#include "CDrawManager.h"
+#include "CGraphics2D.h"
+#include "CGraphicElement.h"
+
+#include <GLES/gl.h>
+#include <boost/make_shared.hpp>
+#include <functional>
+
+namespace {
+
+class PlainElement : public CGraphicElement
+{
+public:
+    using CGraphicElement::draw;
+    void draw(tColor*) override {}
+};
+
+tFixed X(int v) { return tFixed(v); }
+
+TEST(GraphicElement, AlphaByTruncatesToEightBits)
+{
+    struct { tFixed factor; unsigned char before; unsigned char after; } cases[] = {
+        {ONE_HALF_X, 255, 127},
+        {tFixed(2), 200, 144},  // 400 wraps
+        {ONE_X, 77, 77},
+        {ZERO_X, 200, 0},
+        {tFixed::fromRaw(0xC000), 100, 75},
+    };
+    for (const auto& c : cases) {
+        PlainElement e;
+        e.alphaTo(c.before);
+        e.alphaBy(c.factor);
+        EXPECT_EQ(int(e.getAlpha()), int(c.after)) << c.factor.raw() << " x " << int(c.before);
+        EXPECT_EQ(int(e.getColor().r), 255) << "only the alpha byte changes";
+    }
+}
+
+TEST(GraphicElement, MovesKeepOrChangeDepth)
+{
+    struct {
+        const char* name;
+        std::function<void(CGraphicElement&)> op;
+        tVect3 expected;
+    } cases[] = {
+        {"moveTo 2D keeps z", [](CGraphicElement& e) { e.moveTo(tVect2{X(7), X(8)}); }, {X(7), X(8), X(3)}},
+        {"moveTo 3D", [](CGraphicElement& e) { e.moveTo(tVect3{X(7), X(8), X(9)}); }, {X(7), X(8), X(9)}},
+        {"moveBy 2D keeps z", [](CGraphicElement& e) { e.moveBy(tVect2{X(1), X(-1)}); }, {X(2), X(1), X(3)}},
+        {"moveBy 3D changes z", [](CGraphicElement& e) { e.moveBy(tVect3{X(1), X(1), X(-4)}); },
+         {X(2), X(3), X(-1)}},
+    };
+    for (const auto& c : cases) {
+        PlainElement e;
+        e.moveTo(tVect3{X(1), X(2), X(3)});
+        c.op(e);
+        EXPECT_EQ(e.getPos(), c.expected) << c.name;
+    }
+}
+
+TEST(GraphicElement, MatrixFollowsTheTransform)
+{
+    struct {
+        const char* name;
+        std::function<void(CGraphicElement&)> op;
+        tFixed m00, m01, m02, m10, m11, m12;
+    } cases[] = {
+        {"scaleBy (2, 2)", [](CGraphicElement& e) { e.scaleBy(tVect2{X(2), X(2)}); },
+         X(2), ZERO_X, ZERO_X, ZERO_X, X(2), ZERO_X},
+        {"scaleXBy then scaleYTo", [](CGraphicElement& e) { e.scaleXBy(X(3)); e.scaleYTo(ONE_HALF_X); },
+         X(3), ZERO_X, ZERO_X, ZERO_X, ONE_HALF_X, ZERO_X},
+        {"rotate 90", [](CGraphicElement& e) { e.rotateBy(DEGREES90_X); },
+         ZERO_X, MINUS_ONE_X, ZERO_X, ONE_X, ZERO_X, ZERO_X},
+        {"move after a first read", [](CGraphicElement& e) { e.getMatrix(); e.moveBy(tVect2{X(5), X(6)}); },
+         ONE_X, ZERO_X, X(5), ZERO_X, ONE_X, X(6)},
+        {"registration point", [](CGraphicElement& e) { e.moveRegTo(tVect2{X(4), X(2)}); e.scaleTo(tVect2{X(2), X(2)}); },
+         X(2), ZERO_X, X(-8), ZERO_X, X(2), X(-4)},
+    };
+    for (const auto& c : cases) {
+        PlainElement e;
+        c.op(e);
+        const tMatrix23 m = e.getMatrix();
+        EXPECT_EQ((std::vector<int32_t>{m.m00.raw(), m.m01.raw(), m.m02.raw(), m.m10.raw(), m.m11.raw(), m.m12.raw()}),
+                  (std::vector<int32_t>{c.m00.raw(), c.m01.raw(), c.m02.raw(), c.m10.raw(), c.m11.raw(), c.m12.raw()}))
+            << c.name;
+    }
+}
+
+class GraphicElementManagedTest : public ::testing::Test
+{
+protected:
+    void TearDown() override { CDrawManager::Destroy(); }
+
+    static boost::shared_ptr<PlainElement> managedElement()
+    {
+        boost::shared_ptr<PlainElement> e = boost::make_shared<PlainElement>();
+        e->getChunks().push_back(boost::make_shared<RecordingChunk>());
+        e->getChunks().push_back(boost::make_shared<RecordingChunk>());
+        CDrawManager::Instance()->add(e);
+        return e;
+    }
+};
+
+TEST_F(GraphicElementManagedTest, CopySharesChunksAndStartsUnmanaged)
+{
+    boost::shared_ptr<PlainElement> source = managedElement();
+    source->moveTo(tVect3{X(1), X(2), X(3)});
+    source->setColor(tColor{1, 2, 3, 4});
+    ASSERT_TRUE(source->isDrawManaged());
+    PlainElement copy(*source);
+    EXPECT_FALSE(copy.isDrawManaged());
+    ASSERT_EQ(copy.getChunks().size(), 2u);
+    EXPECT_EQ(copy.getChunks()[0].get(), source->getChunks()[0].get());
+    EXPECT_EQ(copy.getChunks()[1].get(), source->getChunks()[1].get());
+    EXPECT_EQ(copy.getPos(), source->getPos());
+    EXPECT_EQ(copy.getColor(), source->getColor());
+    EXPECT_TRUE(registeredChunks(&copy).empty());
+    EXPECT_EQ(registeredChunks(source.get()).size(), 2u);
+}
+
+TEST_F(GraphicElementManagedTest, AssignmentWithdrawsTheTargetsChunks)
+{
+    boost::shared_ptr<PlainElement> target = managedElement();
+    PlainElement other;
+    other.moveTo(tVect2{X(9), X(9)});
+    *target = other;
+    EXPECT_TRUE(registeredChunks(target.get()).empty());
+    EXPECT_TRUE(target->getChunks().empty());
+    EXPECT_EQ(target->getX(), X(9));
+    EXPECT_EQ(target->getMatrix().m02, X(9));
+}
+
+TEST(GraphicElement, PushTransformSkipsIdentitySteps)
+{
+    const long ONE = 1 << 16;
+    struct {
+        const char* name;
+        std::function<void(CGraphicElement&)> op;
+        std::vector<std::string> steps;
+    } cases[] = {
+        {"identity", [](CGraphicElement&) {}, {}},
+        {"depth only", [](CGraphicElement& e) { e.moveTo(tVect3{ZERO_X, ZERO_X, X(2)}); },
+         {glCall("glTranslatex", {0, 0, 2 * ONE})}},
+        {"rotation", [](CGraphicElement& e) { e.rotateTo(X(45)); }, {glCall("glRotatex", {45 * ONE, 0, 0, ONE})}},
+        {"one scale", [](CGraphicElement& e) { e.scaleYTo(X(3)); }, {glCall("glScalex", {ONE, 3 * ONE, ONE})}},
+        {"registration point", [](CGraphicElement& e) { e.moveRegTo(tVect2{ZERO_X, X(5)}); },
+         {glCall("glTranslatex", {0, -5 * ONE, 0})}},
+        {"all, in order",
+         [](CGraphicElement& e) {
+             e.moveTo(tVect2{X(10), X(20)});
+             e.rotateTo(X(30));
+             e.scaleTo(tVect2{X(2), X(2)});
+             e.moveRegTo(tVect2{X(1), X(1)});
+         },
+         {glCall("glTranslatex", {10 * ONE, 20 * ONE, 0}), glCall("glRotatex", {30 * ONE, 0, 0, ONE}),
+          glCall("glScalex", {2 * ONE, 2 * ONE, ONE}), glCall("glTranslatex", {-ONE, -ONE, 0})}},
+    };
+    for (const auto& c : cases) {
+        PlainElement e;
+        c.op(e);
+        GLRecorder::clear();
+        GLRecorder::start();
+        e.pushTransform();
+        GLRecorder::stop();
+        std::vector<std::string> expected{glCall("glPushMatrix")};
+        expected.insert(expected.end(), c.steps.begin(), c.steps.end());
+        EXPECT_EQ(recordedGLCalls(), expected) << c.name;
+    }
+    GLRecorder::clear();
+}
+
+class GraphicElementDrawTest : public GLTest
+{
+};
+
+TEST_F(GraphicElementDrawTest, RegistrationPointIsAYellowPoint)
+{
+    const tColor yellow{255, 255, 0, 255};
+    tColor cyan{0, 255, 255, 255};
+    struct { tColor* given; tColor expected; } cases[] = {{nullptr, yellow}, {&cyan, cyan}};
+    for (const auto& c : cases) {
+        CGraphics2D::Instance()->clearBuffer();
+        PlainElement e;
+        e.setColor(tColor{10, 20, 30, 40});
+        e.moveTo(tVect2{X(20), X(30)});
+        e.scaleTo(tVect2{X(3), X(3)});
+        e.moveRegTo(tVect2{X(5), X(5)});  // the marker sits on the position, not offset by reg
+        e.drawRegPoint(X(4), c.given);
+        for (int x = 18; x < 22; ++x)
+            EXPECT_EQ(pixel(x, 29), c.expected) << x;
+        EXPECT_NE(pixel(22, 30), c.expected);
+        EXPECT_NE(pixel(20, 32), c.expected) << "4 pixels, unscaled";
+        EXPECT_EQ(e.getColor(), (tColor{10, 20, 30, 40}));
+        EXPECT_TRUE(glIsEnabled(GL_TEXTURE_2D));
+        EXPECT_TRUE(glIsEnabled(GL_TEXTURE_COORD_ARRAY));
+        EXPECT_FALSE(gl_checkError());
+    }
+}
+
+} // namespace
