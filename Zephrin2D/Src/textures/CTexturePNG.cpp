@@ -126,6 +126,12 @@ void CTexturePNG::decode(tReadState* state, bool expandIndices)
     }
 
     png_init_io(png, state->file);
+    // Only the critical chunks and tRNS matter here. libpng reads an ancillary
+    // chunk (text, ICC profile) whole into memory, so a corrupt length in a
+    // few bytes of file would make it reserve up to 2 GiB: skip them unread.
+    static const png_byte kKept[] = "tRNS";
+    png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, 0, -1);
+    png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_AS_DEFAULT, kKept, 1);
     // Asked before png_read_info, so no chunk has been read yet and no shift is ever set.
     png_color_8p significant = 0;
     if (png_get_sBIT(png, info, &significant))
