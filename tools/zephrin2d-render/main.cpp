@@ -1,0 +1,257 @@
+// zephrin2d-render: draws a demo headless and writes its frames as PNG.
+#include "Demo.h"
+
+#include "GLRecorder.h"
+#include "ImageIO.h"
+
+#include "CGraphics2D.h"
+#include <VellOpenGLConfig.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <sys/stat.h>
+
+namespace {
+
+const char* const kTool = "zephrin2d-render";
+
+struct tOptions
+{
+    DemoOptions demo;
+    std::string demoName = "shapes";
+    std::string out;
+    std::string scene;
+    bool stats = false;
+    bool help = false;
+};
+
+void printHelp()
+{
+    std::printf(
+        "Usage: %s [OPTIONS] [SCENE.json]\n"
+        "Draws frames with Zephrin2D on a headless GL surface and writes them as PNG.\n"
+        "\n"
+        "  --size WxH     surface size in pixels (default 320x240)\n"
+        "  --frames N     number of frames to draw (default 1)\n"
+        "  --dt MS        milliseconds between two frames (default 33)\n"
+        "  --out FILE.png write the last frame to FILE.png\n"
+        "  --out DIR/     write every frame as DIR/frame-0000.png, DIR/frame-0001.png, ...\n"
+        "                 (a path ending in '/' or an existing directory is a directory;\n"
+        "                 it is made when missing). Without --out nothing is written.\n"
+        "  --stats        print one JSON object per frame on standard output:\n"
+        "                 {\"frame\":i,\"drawCalls\":n,\"uploadBytes\":n,\"cpuMicros\":n}\n"
+        "                 drawCalls and uploadBytes count GL draw calls and bytes sent to GL\n"
+        "                 buffers; cpuMicros is the CPU time of the frame before the swap\n"
+        "  --demo NAME    the demo to draw (default shapes)\n"
+        "  --count N      a number for the demo, see below (default: the demo's own)\n"
+        "  --help         show this text\n"
+        "\n"
+        "  SCENE.json     a scene file to draw instead of a demo (not available yet)\n"
+        "\n"
+        "Options also take the form --name=value. Bad options exit with status 2.\n"
+        "\n"
+        "Demos:\n",
+        kTool);
+    for (const std::string& name : DemoRegistry::names()) {
+        std::unique_ptr<Demo> demo = DemoRegistry::create(name);
+        std::printf("  %-12s %s\n", name.c_str(), demo->summary());
+    }
+}
+
+bool usageError(const std::string& message)
+{
+    std::fprintf(stderr, "%s: %s\n%s: try --help\n", kTool, message.c_str(), kTool);
+    return false;
+}
+
+bool parseInt(const std::string& text, int low, int high, int& value)
+{
+    if (text.empty())
+        return false;
+    char* end = 0;
+    errno = 0;
+    const long v = std::strtol(text.c_str(), &end, 10);
+    if (errno != 0 || *end != '\0' || v < low || v > high)
+        return false;
+    value = static_cast<int>(v);
+    return true;
+}
+
+bool parseSize(const std::string& text, int& width, int& height)
+{
+    const size_t x = text.find('x');
+    return x != std::string::npos && parseInt(text.substr(0, x), 1, 8192, width) &&
+           parseInt(text.substr(x + 1), 1, 8192, height);
+}
+
+bool parseOptions(int argc, char** argv, tOptions& options)
+{
+    for (int i = 1; i < argc; ++i) {
+        std::string arg = argv[i];
+        if (arg.compare(0, 2, "--") != 0 || arg == "--") {
+            if (arg.size() > 1 && arg[0] == '-')
+                return usageError("unknown option '" + arg + "'");
+            if (!options.scene.empty())
+                return usageError("one scene file at most, got '" + options.scene + "' and '" + arg + "'");
+            options.scene = arg;
+            continue;
+        }
+        std::string value;
+        bool hasValue = false;
+        const size_t eq = arg.find('=');
+        if (eq != std::string::npos) {
+            value = arg.substr(eq + 1);
+            arg = arg.substr(0, eq);
+            hasValue = true;
+        }
+        if (arg == "--help" || arg == "--stats") {
+            if (hasValue)
+                return usageError(arg + " takes no value");
+            (arg == "--help" ? options.help : options.stats) = true;
+            continue;
+        }
+        if (arg != "--size" && arg != "--frames" && arg != "--dt" && arg != "--out" && arg != "--demo" &&
+            arg != "--count")
+            return usageError("unknown option '" + arg + "'");
+        if (!hasValue) {
+            if (i + 1 >= argc)
+                return usageError(arg + " needs a value");
+            value = argv[++i];
+        }
+        if (arg == "--size") {
+            if (!parseSize(value, options.demo.width, options.demo.height))
+                return usageError("--size needs WxH with each side 1 to 8192, got '" + value + "'");
+        } else if (arg == "--frames") {
+            if (!parseInt(value, 1, 1000000, options.demo.frames))
+                return usageError("--frames needs a number from 1 to 1000000, got '" + value + "'");
+        } else if (arg == "--dt") {
+            if (!parseInt(value, 0, 3600000, options.demo.dtMs))
+                return usageError("--dt needs milliseconds from 0 to 3600000, got '" + value + "'");
+        } else if (arg == "--count") {
+            if (!parseInt(value, 0, 1000000, options.demo.count))
+                return usageError("--count needs a number from 0 to 1000000, got '" + value + "'");
+        } else if (arg == "--out") {
+            if (value.empty())
+                return usageError("--out needs a file or directory name");
+            options.out = value;
+        } else {
+            options.demoName = value;
+        }
+    }
+    return true;
+}
+
+bool isDirectory(const std::string& path)
+{
+    struct stat st;
+    return stat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
+}
+
+bool makeDirectories(const std::string& path)
+{
+    for (size_t slash = path.find('/', 1); ; slash = path.find('/', slash + 1)) {
+        const std::string part = path.substr(0, slash);
+        if (!part.empty() && !isDirectory(part) && mkdir(part.c_str(), 0755) != 0 && errno != EEXIST)
+            return false;
+        if (slash == std::string::npos)
+            return true;
+    }
+}
+
+std::string framePath(const std::string& dir, int index)
+{
+    char name[32];
+    std::snprintf(name, sizeof(name), "frame-%04d.png", index);
+    return (dir.back() == '/' ? dir : dir + "/") + name;
+}
+
+bool writeFrame(const std::string& path)
+{
+    ImageIO::tImage image;
+    Tadwick::Vell::VellOpenGLConfig* config = CGraphics2D::Instance()->getConfig();
+    if (!config || !config->readPixels(image.rgba, image.width, image.height) || !ImageIO::writePNG(path, image)) {
+        std::fprintf(stderr, "%s: cannot write %s\n", kTool, path.c_str());
+        return false;
+    }
+    return true;
+}
+
+/// What draws the frames: a demo, or later a scene file.
+std::unique_ptr<Demo> makeSource(const tOptions& options)
+{
+    if (!options.scene.empty()) {
+        // Scene files will be loaded here, wrapped as a Demo that builds from the file.
+        usageError("drawing scene files is not available yet ('" + options.scene + "')");
+        return std::unique_ptr<Demo>();
+    }
+    std::unique_ptr<Demo> demo = DemoRegistry::create(options.demoName);
+    if (!demo) {
+        std::string known;
+        for (const std::string& name : DemoRegistry::names())
+            known += " " + name;
+        usageError("unknown demo '" + options.demoName + "'; demos:" + known);
+    }
+    return demo;
+}
+
+int run(const tOptions& options, Demo& demo)
+{
+    const bool toDirectory = !options.out.empty() && (options.out.back() == '/' || isDirectory(options.out));
+    if (toDirectory && !makeDirectories(options.out)) {
+        std::fprintf(stderr, "%s: cannot make directory %s: %s\n", kTool, options.out.c_str(), std::strerror(errno));
+        return 1;
+    }
+    const DemoOptions& o = options.demo;
+    Tadwick::Vell::VellOpenGLConfig::SetSurfaceSize(o.width, o.height);
+    CGraphics2D* graphics = CGraphics2D::Instance();
+    graphics->init(tVect2{tFixed(o.width), tFixed(o.height)}, demo.clearColor(), 0, 0);
+    if (!graphics->getConfig() || !graphics->getConfig()->isValid()) {
+        std::fprintf(stderr, "%s: no OpenGL ES context\n", kTool);
+        return 1;
+    }
+    demo.build(o);
+    for (int i = 0; i < o.frames; ++i) {
+        GLRecorder::resetCounters();
+        const std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
+        graphics->clearBuffer();
+        demo.frame(i, o.dtMs);
+        const long micros = static_cast<long>(
+            std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start).count());
+        graphics->swapBuffer();
+        if (options.stats) {
+            const GLRecorder::tCounters c = GLRecorder::counters();
+            std::printf("{\"frame\":%d,\"drawCalls\":%lu,\"uploadBytes\":%lu,\"cpuMicros\":%ld}\n", i, c.drawCalls,
+                        c.uploadBytes, micros);
+            std::fflush(stdout);
+        }
+        if (toDirectory && !writeFrame(framePath(options.out, i)))
+            return 1;
+    }
+    if (!options.out.empty() && !toDirectory && !writeFrame(options.out))
+        return 1;
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    tOptions options;
+    if (!parseOptions(argc, argv, options))
+        return 2;
+    if (options.help) {
+        printHelp();
+        return 0;
+    }
+    std::unique_ptr<Demo> demo = makeSource(options);
+    if (!demo)
+        return 2;
+    const int status = run(options, *demo);
+    demo.reset();  // its elements go before the context
+    CGraphics2D::Instance()->cleanup();
+    return status;
+}
