@@ -479,6 +479,12 @@ unsigned int CActor2D::getAnimationEndOffset(Glib::ustring const& label)
     return it->second.endOffset;
 }
 
+const tActor2DFrameStruct& CActor2D::getCel(unsigned int cel) const
+{
+    static const tActor2DFrameStruct none = {0, tOperationList(), tOperationList(), tChunkList()};
+    return cel < mCels.size() ? mCels[cel] : none;
+}
+
 const Glib::ustring& CActor2D::getCurrentAnimationLabel() const
 {
     static const Glib::ustring none;

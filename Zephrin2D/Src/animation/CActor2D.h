@@ -127,7 +127,8 @@ public:
     tRect2 getBoundingBox();
 
     unsigned int getCelCount() const { return mCels.size(); }
-    const tActor2DFrameStruct& getCel(unsigned int cel) const { return mCels.at(cel); }
+    /// An empty cel when there is no such cel.
+    const tActor2DFrameStruct& getCel(unsigned int cel) const;
     unsigned short getCurrentCelOffset() const { return mCurrentCelOffset; }
     /// Time spent in the current cel so far.
     int getElapsedInCel() const { return mElapsed; }
