@@ -1,0 +1,5 @@
+# The installed library is enough to build and run examples/minimal.
+add_test(NAME install-minimal-example
+  COMMAND sh ${CMAKE_CURRENT_SOURCE_DIR}/install_test.sh ${CMAKE_BINARY_DIR} ${PROJECT_SOURCE_DIR}
+    ${CMAKE_CURRENT_BINARY_DIR}/install-test)
+set_tests_properties(install-minimal-example PROPERTIES LABELS install TIMEOUT 600)
