@@ -15,6 +15,8 @@ endforeach()
 # zephrin2d-dset --verify on every actor and costume file of examples/. Image
 # names are relative to the file, and the dataset must find the same images,
 # so each example directory is copied into the build tree and compiled there.
+# The tool takes no costume: an actor of avatar pieces is compared without its
+# pieces here (ContentEquivalenceTest compares it with its costume).
 file(GLOB example_json CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/examples/*/*.json)
 foreach(json ${example_json})
   # Actor and costume files are objects; scene files are arrays.

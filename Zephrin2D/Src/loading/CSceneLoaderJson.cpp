@@ -59,6 +59,8 @@ CSceneLoaderJson::tElementList CSceneLoaderJson::parseJsonFile(const char* path)
     file.Load();
     const QJN::Value& root = file.getRoot();
     CHECK(root.isArray(), "CSceneLoaderJson::parseJsonValue outermost container is not an array");
+    if (!root.isArray())
+        return result;
     for (unsigned int i = 0; i < root.size(); ++i) {
         const QJN::Value entry = root[i];
         if (entry["ElementType"].asInt() != 3) {
@@ -165,6 +167,8 @@ void CSceneLoaderJson::parseSpritePortion(const QJN::Value& value, CSprite* spri
         return;
     const QJN::Value children = value["Children"];
     CHECK(children.isArray(), "CSceneLoaderJson::parseSpritePortion Children is not an array");
+    if (!children.isArray())
+        return;
     for (unsigned int i = 0; i < children.size(); ++i) {
         boost::shared_ptr<CGraphicElement> child = parseJsonValue(children[i]);
         // An unknown element type gives nothing to attach.
@@ -292,7 +296,9 @@ boost::shared_ptr<CActor2D> CSceneLoaderJson::parseActor2D(const QJN::Value& val
     parseGraphicElementPortion(value, actor.get());
     CHECK(value.isMember("Animation"), "CSceneLoaderJson::parseActor2D no member Animation");
     CHECK(value["Animation"].isArray(), "CSceneLoaderJson::parseActor2D Animation is not array");
-    parseAnimation(value["Animation"], actor.get());
+    // The members of a mistyped "Animation" object are not cels.
+    if (value["Animation"].isArray())
+        parseAnimation(value["Animation"], actor.get());
     return actor;
 }
 
