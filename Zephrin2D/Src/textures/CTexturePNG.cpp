@@ -1,5 +1,7 @@
 #include "CTexturePNG.h"
 
+#include <sys/stat.h>
+
 #include <BaseUtils.h>
 #include <DebugMPI.h>
 #include <SystemData.h>
@@ -73,14 +75,30 @@ CTexturePNG::CTexturePNG(const Glib::ustring& path, bool createGLTexture, bool k
         DeleteRAMTexture();
 }
 
+namespace {
+
+/// A directory opens like a file but reads like an error: only regular files count.
+FILE* openImage(const char* path)
+{
+    FILE* file = std::fopen(path, "rb");
+    struct stat info;
+    if (file && (fstat(fileno(file), &info) != 0 || !S_ISREG(info.st_mode))) {
+        std::fclose(file);
+        file = 0;
+    }
+    return file;
+}
+
+} // namespace
+
 void CTexturePNG::LoadPNG(const Glib::ustring& path, bool expandIndices)
 {
     DeleteRAMTexture();
-    FILE* file = std::fopen(path.c_str(), "rb");
+    FILE* file = openImage(path.c_str());
     if (!file) {
         const Glib::ustring placeholder = CSystemData::Instance()->FindArt("missingAsset.png");
         if (!placeholder.empty())
-            file = std::fopen(placeholder.c_str(), "rb");
+            file = openImage(placeholder.c_str());
         debug().DebugOut(3, "CTexturePNG::LoadPNG() failed to open file: %s\n", path.c_str());
         if (!file) {
             BaseUtils::Assert(false, kFile, __LINE__,
