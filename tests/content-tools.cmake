@@ -15,8 +15,7 @@ endforeach()
 # zephrin2d-dset --verify on every actor and costume file of examples/. Image
 # names are relative to the file, and the dataset must find the same images,
 # so each example directory is copied into the build tree and compiled there.
-# The tool takes no costume: an actor of avatar pieces is compared without its
-# pieces here (ContentEquivalenceTest compares it with its costume).
+# An actor beside a costume file is verified dressed from that costume.
 file(GLOB example_json CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/examples/*/*.json)
 foreach(json ${example_json})
   # Actor and costume files are objects; scene files are arrays.
@@ -36,8 +35,15 @@ foreach(json ${example_json})
     add_test(NAME copy-example-${group} COMMAND ${CMAKE_COMMAND} -E copy_directory ${dir} ${copy})
     set_tests_properties(copy-example-${group} PROPERTIES FIXTURES_SETUP example-${group} LABELS tools)
   endif()
+  set(costume_args)
+  file(GLOB costumes ${dir}/*costume*.json)
+  if(NOT actor EQUAL -1 AND costumes)
+    list(GET costumes 0 costume_file)
+    get_filename_component(costume_name ${costume_file} NAME)
+    set(costume_args --costume ${copy}/${costume_name})
+  endif()
   add_test(NAME dset-verify-${group}-${name}
-    COMMAND zephrin2d-dset --verify ${copy}/${name}.json -o ${copy}/${name}-compiled)
+    COMMAND zephrin2d-dset --verify ${costume_args} ${copy}/${name}.json -o ${copy}/${name}-compiled)
   set_tests_properties(dset-verify-${group}-${name} PROPERTIES FIXTURES_REQUIRED example-${group}
-    LABELS tools PASS_REGULAR_EXPRESSION "${name}-compiled.dsetBin: verified")
+    LABELS tools PASS_REGULAR_EXPRESSION "${name}-compiled.dsetBin: verified" FAIL_REGULAR_EXPRESSION "ASSERT")
 endforeach()

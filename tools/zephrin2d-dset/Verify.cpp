@@ -42,10 +42,11 @@ bool sameCostume(const AvatarCostume& a, const AvatarCostume& b, std::string& er
 
 } // namespace
 
-bool verifyActor(const std::string& jsonPath, const std::string& dsetPath, std::string& error);
+bool verifyActor(const std::string& jsonPath, const std::string& dsetPath, AvatarCostume* costume,
+                 std::string& error);
 
 bool verifyDataset(DsetCompiler::tKind kind, const std::string& jsonPath, const std::string& dsetPath,
-                   std::string& error)
+                   const std::string& costumePath, std::string& error)
 {
     if (kind == DsetCompiler::KIND_COSTUME) {
         AvatarCostume fromJson, fromDset;
@@ -53,5 +54,8 @@ bool verifyDataset(DsetCompiler::tKind kind, const std::string& jsonPath, const 
         fromDset.addFromDset(dsetPath);
         return sameCostume(fromJson, fromDset, error);
     }
-    return verifyActor(jsonPath, dsetPath, error);
+    AvatarCostume costume;
+    if (!costumePath.empty())
+        costume.addFromFile(costumePath, 0, 0);
+    return verifyActor(jsonPath, dsetPath, costumePath.empty() ? 0 : &costume, error);
 }

@@ -7,7 +7,8 @@
 
 /// Loads a compiled dataset back and checks that it holds the same content
 /// as its JSON source; on a difference, error says where.
+/// costumePath (may be empty) dresses an actor's avatar pieces.
 bool verifyDataset(DsetCompiler::tKind kind, const std::string& jsonPath, const std::string& dsetPath,
-                   std::string& error);
+                   const std::string& costumePath, std::string& error);
 
 #endif

@@ -5,15 +5,18 @@
 #include <boost/shared_ptr.hpp>
 #include <string>
 
-bool verifyActor(const std::string& jsonPath, const std::string& dsetPath, std::string& error)
+class AvatarCostume;
+
+bool verifyActor(const std::string& jsonPath, const std::string& dsetPath, AvatarCostume* costume,
+                 std::string& error)
 {
     boost::shared_ptr<CActor2D> fromJson(new CActor2D());
     boost::shared_ptr<CActor2D> fromDset(new CActor2D());
-    if (!fromJson->loadJson(jsonPath, 0, 0)) {
+    if (!fromJson->loadJson(jsonPath, costume, 0)) {
         error = jsonPath + ": the actor does not load";
         return false;
     }
-    if (!fromDset->loadDset(dsetPath, 0, 0)) {
+    if (!fromDset->loadDset(dsetPath, costume, 0)) {
         error = dsetPath + ": the dataset does not load";
         return false;
     }

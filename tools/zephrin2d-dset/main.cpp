@@ -21,6 +21,8 @@ static void usage(FILE* out)
             "                     (default: INPUT without its .json extension)\n"
             "  --verify           load the dataset back and check that it holds the same\n"
             "                     content as the JSON file (needs a GL context: headless)\n"
+            "  --costume FILE     the costume that an actor's avatar pieces come from\n"
+            "                     (for --verify of an actor with avatar pieces)\n"
             "  -h, --help         show this help\n"
             "\n"
             "Errors name the file and the JSON path of the offending value.\n"
@@ -29,7 +31,7 @@ static void usage(FILE* out)
 
 int main(int argc, char** argv)
 {
-    std::string input, output;
+    std::string input, output, costume;
     bool verify = false;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
@@ -38,6 +40,12 @@ int main(int argc, char** argv)
             return 0;
         } else if (arg == "--verify") {
             verify = true;
+        } else if (arg == "--costume") {
+            if (++i >= argc) {
+                fprintf(stderr, "zephrin2d-dset: %s needs a value\n", arg.c_str());
+                return 2;
+            }
+            costume = argv[i];
         } else if (arg == "-o" || arg == "--output") {
             if (++i >= argc) {
                 fprintf(stderr, "zephrin2d-dset: %s needs a value\n", arg.c_str());
@@ -72,7 +80,7 @@ int main(int argc, char** argv)
     printf("%s: wrote %s.dsetBin and %s.relinkBin\n", input.c_str(), output.c_str(), output.c_str());
     if (verify) {
         CGraphics2D::Instance()->init(tVect2{tFixed(16), tFixed(16)}, tColor{0, 0, 0, 255}, 0, 0);
-        const bool same = verifyDataset(kind, input, output + ".dsetBin", error);
+        const bool same = verifyDataset(kind, input, output + ".dsetBin", costume, error);
         CGraphics2D::Instance()->cleanup();
         if (!same) {
             fprintf(stderr, "zephrin2d-dset: verify failed: %s\n", error.c_str());
