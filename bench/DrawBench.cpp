@@ -178,5 +178,3 @@ BENCHMARK(BM_PointsStill8192)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_PointsAllMoving8192)->Unit(benchmark::kMicrosecond);
 
 } // namespace
-
-BENCHMARK_MAIN();
