@@ -125,15 +125,21 @@ void CGraphicElement::setVisibility(bool visible)
     mVisible = visible;
 }
 
-void CGraphicElement::pushTransform()
+/// Position, rotation and scale, each skipped when it is an identity.
+void CGraphicElement::applyPlacement()
 {
-    glPushMatrix();
     if (mPosition.x != ZERO_X || mPosition.y != ZERO_X || mPosition.z != ZERO_X)
         glTranslatex(mPosition.x.raw(), mPosition.y.raw(), mPosition.z.raw());
     if (mRotation != ZERO_X)
         glRotatex(mRotation.raw(), 0, 0, ONE_X.raw());
     if (mScale.x != ONE_X || mScale.y != ONE_X)
         glScalex(mScale.x.raw(), mScale.y.raw(), ONE_X.raw());
+}
+
+void CGraphicElement::pushTransform()
+{
+    glPushMatrix();
+    applyPlacement();
     if (mReg.x != ZERO_X || mReg.y != ZERO_X)
         glTranslatex(-mReg.x.raw(), -mReg.y.raw(), 0);
 }
@@ -150,12 +156,7 @@ void CGraphicElement::drawRegPoint(tFixed size, tColor* color)
 {
     static const GLfixed origin[2] = {0, 0};
     glPushMatrix();
-    if (mPosition.x != ZERO_X || mPosition.y != ZERO_X || mPosition.z != ZERO_X)
-        glTranslatex(mPosition.x.raw(), mPosition.y.raw(), mPosition.z.raw());
-    if (mRotation != ZERO_X)
-        glRotatex(mRotation.raw(), 0, 0, ONE_X.raw());
-    if (mScale.x != ONE_X || mScale.y != ONE_X)
-        glScalex(mScale.x.raw(), mScale.y.raw(), ONE_X.raw());
+    applyPlacement();
     const tColor saved = mColor;
     mColor = tColor{255, 255, 0, 255};
     applyColor(color);

@@ -86,6 +86,8 @@ public:
     bool isDrawManaged() const { return mDrawManaged; }
 
 protected:
+    void applyPlacement();
+
     bool mMatrixDirty;
     tMatrix23 mMatrix;
     tVect3 mPosition;

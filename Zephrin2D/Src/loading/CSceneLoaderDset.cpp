@@ -5,6 +5,7 @@
 #include "CDrawChunk.h"
 #include "CDsetReader.h"
 #include "CSprite.h"
+#include "tDefinitionTable.h"
 
 #include <BaseUtils.h>
 #include <DebugMPI.h>
@@ -20,17 +21,13 @@ const Tadwick::Vell::CDebugMPI& debug()
     return d;
 }
 
-template <class T>
-bool earlierDefinition(uint16_t id, std::vector<boost::shared_ptr<T> >& table, boost::shared_ptr<T>& found,
-                       const char* wrongMessage)
+/// Play Audio arguments are names kept for tools: the operation carries 0.
+operation operationOf(const tDsetOperation& record)
 {
-    if (id < table.size()) {
-        found = table[id];
-        return true;
-    }
-    if (id != table.size())
-        debug().DebugOut(3, wrongMessage, static_cast<int>(id), static_cast<int>(table.size()));
-    return false;
+    operation op;
+    op.opcode = record.opcode;
+    op.oparg = record.opcode == operation::PLAY_AUDIO ? 0 : record.oparg;
+    return op;
 }
 
 } // namespace
@@ -98,25 +95,42 @@ void CSceneLoaderDset::parseGraphicElementPortion(const tDsetGraphicElement* rec
     element->setColor(color);
 }
 
-boost::shared_ptr<CBillboard> CSceneLoaderDset::parseBillboard(const tDsetBillboard* record)
+bool CSceneLoaderDset::celArrays(const tDsetSpriteCel* record, const tDsetBillboard*& billboards,
+                                 const tDsetAvatarPiece*& pieces, const tDsetOperation*& operations) const
 {
-    boost::shared_ptr<CBillboard> billboard;
-    if (earlierDefinition(record->id, mBillboards, billboard,
-                          "CSceneLoaderDset::parseBillboard ID number is wrong, got %d, expected %d\n"))
-        return billboard;
-    billboard.reset(new CBillboard());
-    mBillboards.push_back(billboard);
-    parseGraphicElementPortion(&record->element, billboard.get());
-    const char* name = string(record->url);
+    billboards = array<tDsetBillboard>(record->billboards, record->billboardCount);
+    pieces = array<tDsetAvatarPiece>(record->avatarPieces, record->avatarPieceCount);
+    operations = array<tDsetOperation>(record->operations, record->operationCount);
+    const bool inside = (!record->billboardCount || billboards) && (!record->avatarPieceCount || pieces) &&
+                        (!record->operationCount || operations);
+    BaseUtils::Assert(inside, kFile, __LINE__, "CSceneLoaderDset::parseSpriteCel record reaches outside the dataset");
+    return inside;
+}
+
+void CSceneLoaderDset::loadBillboardTexture(CBillboard* billboard, uint32_t url)
+{
+    const char* name = string(url);
     if (!name) {
         BaseUtils::Assert(false, kFile, __LINE__, "CSceneLoaderDset::parseBillboard image name outside the dataset");
-        return billboard;
+        return;
     }
     bool loaded = mTextureSheet && billboard->loadTexture(name, mTextureSheet);
     if (!loaded)
         loaded = billboard->loadTexture(mDefaultPath + name, 0);
     BaseUtils::Assert(loaded, kFile, __LINE__, "CSceneLoaderDset::parseBillboard texture %s did not load",
                       (mDefaultPath + name).c_str());
+}
+
+boost::shared_ptr<CBillboard> CSceneLoaderDset::parseBillboard(const tDsetBillboard* record)
+{
+    boost::shared_ptr<CBillboard> billboard;
+    if (earlierDefinition(record->id, mBillboards, billboard, debug(),
+                          "CSceneLoaderDset::parseBillboard ID number is wrong, got %d, expected %d\n"))
+        return billboard;
+    billboard.reset(new CBillboard());
+    mBillboards.push_back(billboard);
+    parseGraphicElementPortion(&record->element, billboard.get());
+    loadBillboardTexture(billboard.get(), record->url);
     return billboard;
 }
 
@@ -125,7 +139,7 @@ boost::shared_ptr<Avatar2DPiece> CSceneLoaderDset::parseAvatarPiece(const tDsetA
     BaseUtils::Assert(mCostume != 0, kFile, __LINE__,
                       "CSceneLoaderDset::parseAvatarPiece - no costume defined, probably tried to load with parseSpritePortion");
     boost::shared_ptr<Avatar2DPiece> piece;
-    if (earlierDefinition(record->id, mAvatarPieces, piece,
+    if (earlierDefinition(record->id, mAvatarPieces, piece, debug(),
                           "CSceneLoaderDset::parseAvatarPiece ID number is wrong, got %d, expected %d\n"))
         return piece;
     piece.reset(new Avatar2DPiece());
@@ -157,12 +171,10 @@ void CSceneLoaderDset::parseAvatarPieces(unsigned long count, const tDsetAvatarP
 boost::shared_ptr<CSpriteCel> CSceneLoaderDset::parseSpriteCel(const tDsetSpriteCel* record)
 {
     boost::shared_ptr<CSpriteCel> cel(new CSpriteCel());
-    const tDsetBillboard* billboards = array<tDsetBillboard>(record->billboards, record->billboardCount);
-    const tDsetAvatarPiece* pieces = array<tDsetAvatarPiece>(record->avatarPieces, record->avatarPieceCount);
-    const tDsetOperation* ops = array<tDsetOperation>(record->operations, record->operationCount);
-    if ((record->billboardCount && !billboards) || (record->avatarPieceCount && !pieces) ||
-        (record->operationCount && !ops)) {
-        BaseUtils::Assert(false, kFile, __LINE__, "CSceneLoaderDset::parseSpriteCel record reaches outside the dataset");
+    const tDsetBillboard* billboards;
+    const tDsetAvatarPiece* pieces;
+    const tDsetOperation* ops;
+    if (!celArrays(record, billboards, pieces, ops)) {
         return cel;
     }
     cel->getChunks().reserve(record->billboardCount + record->avatarPieceCount);
@@ -170,9 +182,7 @@ boost::shared_ptr<CSpriteCel> CSceneLoaderDset::parseSpriteCel(const tDsetSprite
     parseAvatarPieces(record->avatarPieceCount, pieces, cel.get());
     cel->duration = record->duration;
     for (uint32_t i = 0; i < record->operationCount; ++i) {
-        operation op;
-        op.opcode = ops[i].opcode;
-        op.oparg = ops[i].opcode == operation::PLAY_AUDIO ? 0 : ops[i].oparg;
+        const operation op = operationOf(ops[i]);
         cel->pushBackOperation(op);
     }
     return cel;
@@ -181,22 +191,13 @@ boost::shared_ptr<CSpriteCel> CSceneLoaderDset::parseSpriteCel(const tDsetSprite
 boost::shared_ptr<CDrawChunk> CSceneLoaderDset::parseBillboardChunk(const tDsetBillboard* record)
 {
     boost::shared_ptr<CDrawChunk> chunk;
-    if (earlierDefinition(record->id, mBillboardChunks, chunk,
+    if (earlierDefinition(record->id, mBillboardChunks, chunk, debug(),
                           "CSceneLoaderDset::parseBillboardChunk ID number is wrong, got %d, expected %d\n"))
         return chunk;
     // The billboard is a scratch object: its chunk is placed by its transform and kept on its own.
     boost::shared_ptr<CBillboard> billboard(new CBillboard());
     parseGraphicElementPortion(&record->element, billboard.get());
-    const char* name = string(record->url);
-    if (name) {
-        bool loaded = mTextureSheet && billboard->loadTexture(name, mTextureSheet);
-        if (!loaded)
-            loaded = billboard->loadTexture(mDefaultPath + name, 0);
-        BaseUtils::Assert(loaded, kFile, __LINE__, "CSceneLoaderDset::parseBillboard texture %s did not load",
-                          (mDefaultPath + name).c_str());
-    } else {
-        BaseUtils::Assert(false, kFile, __LINE__, "CSceneLoaderDset::parseBillboard image name outside the dataset");
-    }
+    loadBillboardTexture(billboard.get(), record->url);
     chunk = billboard->getChunks().empty() ? boost::shared_ptr<CDrawChunk>() : billboard->getChunks()[0];
     if (chunk)
         chunk->transformVertices(billboard->getMatrix());
@@ -223,12 +224,10 @@ bool CSceneLoaderDset::parseSpriteCel(const tDsetSpriteCel* record, unsigned sho
                                       tOperationList& exitOperations, tOperationList& enterOperations,
                                       tChunkList& chunks)
 {
-    const tDsetBillboard* billboards = array<tDsetBillboard>(record->billboards, record->billboardCount);
-    const tDsetAvatarPiece* pieces = array<tDsetAvatarPiece>(record->avatarPieces, record->avatarPieceCount);
-    const tDsetOperation* ops = array<tDsetOperation>(record->operations, record->operationCount);
-    if ((record->billboardCount && !billboards) || (record->avatarPieceCount && !pieces) ||
-        (record->operationCount && !ops)) {
-        BaseUtils::Assert(false, kFile, __LINE__, "CSceneLoaderDset::parseSpriteCel record reaches outside the dataset");
+    const tDsetBillboard* billboards;
+    const tDsetAvatarPiece* pieces;
+    const tDsetOperation* ops;
+    if (!celArrays(record, billboards, pieces, ops)) {
         return false;
     }
     chunks.reserve(chunks.size() + record->billboardCount + record->avatarPieceCount);
@@ -236,9 +235,7 @@ bool CSceneLoaderDset::parseSpriteCel(const tDsetSpriteCel* record, unsigned sho
     parseAvatarPieces(record->avatarPieceCount, pieces, chunks);
     duration = record->duration;
     for (uint32_t i = 0; i < record->operationCount; ++i) {
-        operation op;
-        op.opcode = ops[i].opcode;
-        op.oparg = ops[i].opcode == operation::PLAY_AUDIO ? 0 : ops[i].oparg;
+        const operation op = operationOf(ops[i]);
         pushBackOperation(op, exitOperations, enterOperations);
     }
     return true;

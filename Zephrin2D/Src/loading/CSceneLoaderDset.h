@@ -77,6 +77,10 @@ private:
     CSceneLoaderDset& operator=(const CSceneLoaderDset&);
 
     const char* string(uint32_t pointer) const;
+    /// The arrays a cel names, false (after a report) when one reaches outside the dataset.
+    bool celArrays(const tDsetSpriteCel* record, const tDsetBillboard*& billboards, const tDsetAvatarPiece*& pieces,
+                   const tDsetOperation*& operations) const;
+    void loadBillboardTexture(CBillboard* billboard, uint32_t url);
     template <class T> const T* array(uint32_t pointer, uint32_t count) const;
 
     AvatarCostume* mCostume;

@@ -5,6 +5,7 @@
 #include "CBillboard.h"
 #include "CSprite.h"
 #include "CSpriteCel.h"
+#include "tDefinitionTable.h"
 
 #include <BaseUtils.h>
 #include <DebugMPI.h>
@@ -25,20 +26,12 @@ const Tadwick::Vell::CDebugMPI& debug()
 
 tFixed fixedOf(const QJN::Value& v) { return tFixed::fromDouble(v.asDouble()); }
 
-/// The definition-number rule: an earlier definition when the ID is below
-/// the table's size, else a new element (reported when the ID is not the size).
+/// The definition-number rule on an element object's "ID".
 template <class T>
 bool earlierDefinition(const QJN::Value& value, std::vector<boost::shared_ptr<T> >& table,
                        boost::shared_ptr<T>& found, const char* wrongMessage)
 {
-    const unsigned int id = static_cast<unsigned int>(value["ID"].asInt());
-    if (id < table.size()) {
-        found = table[id];
-        return true;
-    }
-    if (id != table.size())
-        debug().DebugOut(3, wrongMessage, static_cast<int>(id), static_cast<int>(table.size()));
-    return false;
+    return earlierDefinition(static_cast<unsigned int>(value["ID"].asInt()), table, found, debug(), wrongMessage);
 }
 
 } // namespace
