@@ -7,7 +7,17 @@ CMAKE_FLAGS ?=
 RENDER = $(BUILD)/tools/zephrin2d-render/zephrin2d-render
 DEMO_OUT = $(abspath $(BUILD))/demo
 
-.PHONY: all deps configure build test demo bench clean
+# Reliability: sanitizers, fuzzing, leaks and the soak run (docs/reliability.md).
+SANITIZE_BUILD ?= build-sanitize
+FUZZ_BUILD ?= build-fuzz
+SECONDS ?= 20
+FRAMES ?= 100000
+SAN_ENV = ASAN_OPTIONS=halt_on_error=1:detect_leaks=1:abort_on_error=1 \
+  LSAN_OPTIONS=suppressions=$(CURDIR)/tests/lsan.supp:print_suppressions=0 \
+  UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1
+SOAK = $(BUILD)/tools/zephrin2d-soak/zephrin2d-soak
+
+.PHONY: all deps deps-reliability configure build test demo bench clean test-sanitize fuzz leak-check soak
 
 all: build
 
@@ -28,10 +38,37 @@ demo: build
 	@$(RENDER) --demo shapes --frames 60 --out $(DEMO_OUT)/shapes.png
 	@echo "Demo frame written to $(DEMO_OUT)/shapes.png"
 
-bench: deps
+# Benchmarks against SDL2 (docs/performance.md is regenerated from the run).
+bench:
+	@./scripts/install-deps.sh --bench
 	@cmake -S . -B $(BUILD)-bench -DCMAKE_BUILD_TYPE=Release -DZEPHRIN2D_BUILD_BENCH=ON -DZEPHRIN2D_BUILD_TESTS=OFF >/dev/null
 	@cmake --build $(BUILD)-bench -j$(JOBS)
-	@$(BUILD)-bench/bench/Zephrin2DBench
+	@$(BUILD)-bench/bench/Zephrin2DBench --benchmark_out=$(BUILD)-bench/bench.json --benchmark_out_format=json
+	@$(BUILD)-bench/bench/Zephrin2DPeerCheck
+	@python3 bench/perf_report.py $(BUILD)-bench/bench.json docs/performance.md
+
+deps-reliability:
+	@./scripts/install-deps.sh --reliability
+
+# The whole test suite with AddressSanitizer, LeakSanitizer and UBSan (gcc).
+test-sanitize: deps
+	@cmake -S . -B $(SANITIZE_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DZEPHRIN2D_SANITIZE=ON $(CMAKE_FLAGS) >/dev/null
+	@$(SAN_ENV) cmake --build $(SANITIZE_BUILD) -j$(JOBS)
+	@cd $(SANITIZE_BUILD) && $(SAN_ENV) ctest --output-on-failure -j$(JOBS)
+
+# libFuzzer targets (clang), each run for SECONDS on its corpus.
+fuzz: deps-reliability
+	@CC=clang-14 CXX=clang++-14 cmake -S fuzz -B $(FUZZ_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+	@cmake --build $(FUZZ_BUILD) -j$(JOBS)
+	@fuzz/run.sh $(FUZZ_BUILD) $(SECONDS)
+
+# The renderer and the test programs under valgrind memcheck: no definite leak.
+leak-check: deps-reliability build
+	@cd $(BUILD) && ctest --output-on-failure -L leak-check
+
+# FRAMES frames of the soak scene; samples in $(BUILD)/soak.csv.
+soak: build
+	@$(SOAK) --frames $(FRAMES) --csv $(BUILD)/soak.csv
 
 clean:
-	rm -rf $(BUILD) $(BUILD)-bench
+	rm -rf $(BUILD) $(BUILD)-bench $(SANITIZE_BUILD) $(FUZZ_BUILD)

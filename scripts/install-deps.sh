@@ -8,6 +8,13 @@ PACKAGES="build-essential cmake pkg-config git
   libfreetype-dev libfontconfig-dev fonts-dejavu-core
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   xvfb xauth x11-utils"
+# With --reliability also what the fuzz targets, the sanitizer runs and the
+# leak check need (clang with libFuzzer and the sanitizer runtimes, valgrind).
+RELIABILITY_PACKAGES="clang-14 libclang-rt-14-dev llvm-14 valgrind python3"
+[ "$1" = "--reliability" ] && PACKAGES="$PACKAGES $RELIABILITY_PACKAGES"
+# With --bench also the peer the benchmarks compare against (SDL2) and the report generator.
+BENCH_PACKAGES="libsdl2-dev python3"
+[ "$1" = "--bench" ] && PACKAGES="$PACKAGES $BENCH_PACKAGES"
 missing=""
 for p in $PACKAGES; do
   if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed"; then
