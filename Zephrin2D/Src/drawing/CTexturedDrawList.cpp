@@ -14,6 +14,8 @@ namespace {
 const char* const kFile = "Zephrin2D/Src/CTexturedDrawList";
 const size_t MAX_COUNT = 65535;
 const size_t NONE = static_cast<size_t>(-1);
+/// Spare entries and index nodes a list keeps at most.
+const size_t MAX_SPARES = 1024;
 
 int32_t depthOf(const tElementTexturedChunkPairEntryStruct& e)
 {
@@ -129,7 +131,13 @@ bool CTexturedDrawList::add(boost::shared_ptr<CGraphicElement> element, boost::s
         mHasTexture = true;
     }
 
-    boost::shared_ptr<tEntry> entry(new tEntry());
+    boost::shared_ptr<tEntry> entry;
+    if (!mSpareEntries.empty()) {
+        entry = mSpareEntries.back();
+        mSpareEntries.pop_back();
+    } else {
+        entry.reset(new tEntry());
+    }
     entry->element = element;
     entry->chunk = textured;
     entry->vertexOffset = mVertexCount;
@@ -142,7 +150,14 @@ bool CTexturedDrawList::add(boost::shared_ptr<CGraphicElement> element, boost::s
     entry->depth = depthOf(*entry);
     entry->order = mNextOrder++;
     mEntries.push_back(entry);
-    mIndex[tPairKey(element.get(), chunk.get())] = entry;
+    if (!mSpareNodes.empty()) {
+        mSpareNodes.back().key() = tPairKey(element.get(), chunk.get());
+        mSpareNodes.back().mapped() = entry;
+        mIndex.insert(std::move(mSpareNodes.back()));
+        mSpareNodes.pop_back();
+    } else {
+        mIndex[tPairKey(element.get(), chunk.get())] = entry;
+    }
     mVertexCount = static_cast<uint16_t>(mVertexCount + vertexCount);
     if (entry->visible) {
         mSortedEntries.push_back(refTo(entry));
@@ -173,7 +188,12 @@ bool CTexturedDrawList::remove(boost::shared_ptr<CGraphicElement> element, boost
         mHiddenIndexCount = static_cast<uint16_t>(mHiddenIndexCount - entry->indexCount);
         eraseRef(mHiddenEntries, entry.get());
     }
-    mIndex.erase(tPairKey(element.get(), chunk.get()));
+    if (mSpareNodes.size() < MAX_SPARES) {
+        mSpareNodes.push_back(mIndex.extract(tPairKey(element.get(), chunk.get())));
+        mSpareNodes.back().mapped().reset();
+    } else {
+        mIndex.erase(tPairKey(element.get(), chunk.get()));
+    }
 
     // The entries after it close the gap: their vertices move down and are rewritten.
     bool chunkStillHeld = false;
@@ -187,6 +207,11 @@ bool CTexturedDrawList::remove(boost::shared_ptr<CGraphicElement> element, boost
             chunkStillHeld = true;
     }
     mEntries.erase(mEntries.begin() + position);
+    if (entry.use_count() == 1 && mSpareEntries.size() < MAX_SPARES) {
+        entry->element.reset();
+        entry->chunk.reset();
+        mSpareEntries.push_back(entry);
+    }
     if (position < mEntries.size()) {
         mRewriteFrom = std::min(mRewriteFrom, position);
         mVerticesDirty = true;
@@ -272,6 +297,8 @@ void CTexturedDrawList::clear()
             mEntries[i]->chunk->setDrawList(boost::weak_ptr<CDrawList>());
     mEntries.clear();
     mIndex.clear();
+    mSpareEntries.clear();
+    mSpareNodes.clear();
     mSortedEntries.clear();
     mHiddenEntries.clear();
     mAlphaCursor = 0;

@@ -130,6 +130,10 @@ private:
     size_t mRewriteFrom;
     uint32_t mNextOrder;
     std::unordered_map<tPairKey, boost::shared_ptr<tEntry>, tPairHash> mIndex;
+    /// Entries and index nodes of removed pairs, kept for the next add so
+    /// that a steady exchange of chunks (an actor changing cel) allocates nothing.
+    std::vector<boost::shared_ptr<tEntry> > mSpareEntries;
+    std::vector<std::unordered_map<tPairKey, boost::shared_ptr<tEntry>, tPairHash>::node_type> mSpareNodes;
 };
 
 #endif
