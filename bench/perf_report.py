@@ -48,7 +48,7 @@ def fmt_bytes(v, peer=False):
     if v is None or v < 0:
         return "not measurable"
     if peer and v == 0:
-        return "0 (client arrays, see below)"
+        return "not measured (see notes)"
     return "%.0f" % v
 
 
