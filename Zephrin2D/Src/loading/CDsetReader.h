@@ -23,10 +23,12 @@ public:
         return reinterpret_cast<const void*>(static_cast<uintptr_t>(pointer));
     }
 
-    /// count records of T at pointer, or null when they do not fit (or count is 0).
+    /// count records of T at pointer, or null when they do not fit, are not
+    /// aligned for T (the format aligns every record to 4 bytes), or count is 0.
     template <class T> const T* array(uint32_t pointer, uint32_t count) const
     {
-        if (!mDataset || count == 0 || pointer == 0)
+        // Misaligned records would be read through misaligned pointers: refused like outside ones.
+        if (!mDataset || count == 0 || pointer == 0 || pointer % alignof(T) != 0)
             return 0;
         const uint64_t bytes = static_cast<uint64_t>(count) * sizeof(T);
         if (bytes > mDataset->size || !mDataset->contains(address(pointer), static_cast<size_t>(bytes)))
@@ -36,7 +38,7 @@ public:
 
     template <class T> const T* record(const void* p) const
     {
-        if (!mDataset || !p || !mDataset->contains(p, sizeof(T)))
+        if (!mDataset || !p || reinterpret_cast<uintptr_t>(p) % alignof(T) != 0 || !mDataset->contains(p, sizeof(T)))
             return 0;
         return static_cast<const T*>(p);
     }
