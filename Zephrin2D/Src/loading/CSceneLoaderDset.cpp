@@ -5,6 +5,9 @@
 #include "CDrawChunk.h"
 #include "CDsetReader.h"
 #include "CSprite.h"
+#include "CTexture.h"
+#include "CTextureManager.h"
+#include "CTexturedChunk.h"
 #include "tDefinitionTable.h"
 
 #include <BaseUtils.h>
@@ -188,12 +191,56 @@ boost::shared_ptr<CSpriteCel> CSceneLoaderDset::parseSpriteCel(const tDsetSprite
     return cel;
 }
 
+boost::shared_ptr<CDrawChunk> CSceneLoaderDset::directBillboardChunk(const tDsetBillboard* record)
+{
+    // Pictures of a texture sheet and failed loads take the billboard's own path (with its messages).
+    if (mTextureSheet)
+        return boost::shared_ptr<CDrawChunk>();
+    boost::shared_ptr<CTexture>& texture = mTextures[record->url];
+    if (!texture) {
+        const char* name = string(record->url);
+        if (name)
+            texture = CTextureManager::Instance()->load(mDefaultPath + name, true, false, false);
+        if (!texture)
+            return boost::shared_ptr<CDrawChunk>();
+    }
+    // The quad a billboard makes of a whole texture, placed by the record's transform.
+    boost::shared_ptr<CTexturedChunk> chunk(new CTexturedChunk(4, 6));
+    static const uint16_t kIndices[6] = {0, 1, 2, 2, 1, 3};
+    std::copy(kIndices, kIndices + 6, chunk->getIndices().begin());
+    chunk->setTexture(texture);
+    const tFixed w = tFixed(static_cast<int>(texture->imageInfo.width));
+    const tFixed h = tFixed(static_cast<int>(texture->imageInfo.height));
+    std::vector<tVect3>& v = chunk->getVertices();
+    v[0] = tVect3{ZERO_X, h, ZERO_X};
+    v[1] = tVect3{w, h, ZERO_X};
+    v[2] = tVect3{ZERO_X, ZERO_X, ZERO_X};
+    v[3] = tVect3{w, ZERO_X, ZERO_X};
+    std::vector<tVect2>& st = chunk->getTexCoords();
+    st[0] = tVect2{ZERO_X, ZERO_X};
+    st[1] = tVect2{ONE_X, ZERO_X};
+    st[2] = tVect2{ZERO_X, ONE_X};
+    st[3] = tVect2{ONE_X, ONE_X};
+    const tDsetGraphicElement& e = record->element;
+    chunk->transformVertices(tMatrix23(tVect2{tFixed::fromRaw(e.regX), tFixed::fromRaw(e.regY)},
+                                       tVect2{tFixed::fromRaw(e.scaleX), tFixed::fromRaw(e.scaleY)},
+                                       tFixed::fromRaw(e.rotation),
+                                       tVect3{tFixed::fromRaw(e.positionX), tFixed::fromRaw(e.positionY),
+                                              tFixed::fromRaw(e.positionZ)}));
+    return chunk;
+}
+
 boost::shared_ptr<CDrawChunk> CSceneLoaderDset::parseBillboardChunk(const tDsetBillboard* record)
 {
     boost::shared_ptr<CDrawChunk> chunk;
     if (earlierDefinition(record->id, mBillboardChunks, chunk, debug(),
                           "CSceneLoaderDset::parseBillboardChunk ID number is wrong, got %d, expected %d\n"))
         return chunk;
+    chunk = directBillboardChunk(record);
+    if (chunk) {
+        mBillboardChunks.push_back(chunk);
+        return chunk;
+    }
     // The billboard is a scratch object: its chunk is placed by its transform and kept on its own.
     boost::shared_ptr<CBillboard> billboard(new CBillboard());
     parseGraphicElementPortion(&record->element, billboard.get());
@@ -254,13 +301,16 @@ void CSceneLoaderDset::copyMergeChunk(boost::shared_ptr<CDrawChunk> chunk, tChun
 {
     const boost::shared_ptr<CGraphicElement> inPlace;
     for (size_t i = 0; i < chunks.size(); ++i) {
-        if (chunks[i]->canMerge(inPlace, chunk)) {
+        if (!chunks[i]->canMerge(inPlace, chunk))
+            continue;
+        // Copy on write: a chunk held elsewhere too (a definition, another cel) is never changed.
+        if (chunks[i].use_count() > 1)
+            chunks[i] = chunks[i]->createMergedChunk(inPlace, chunk);
+        else
             chunks[i]->merge(inPlace, chunk);
-            return;
-        }
+        return;
     }
-    // A copy, so that merging into it later never changes a chunk someone else holds.
-    chunks.push_back(chunk->createTransformedChunk(inPlace));
+    chunks.push_back(chunk);
 }
 
 void CSceneLoaderDset::pushBackOperation(operation op, tOperationList& exitOperations, tOperationList& enterOperations)

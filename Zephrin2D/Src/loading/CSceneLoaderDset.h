@@ -7,6 +7,7 @@
 
 #include <boost/shared_ptr.hpp>
 #include <glibmm/ustring.h>
+#include <map>
 #include <vector>
 
 class AvatarCostume;
@@ -16,6 +17,7 @@ class CDataset;
 class CDrawChunk;
 class CDsetReader;
 class CSprite;
+class CTexture;
 class CTextureSheet;
 
 /// Builds scene content from a binary dataset (".dsetBin" with its
@@ -65,7 +67,8 @@ public:
                         tOperationList& enterOperations, tChunkList& chunks);
     /// Every chunk of element, placed by its transform, merged into or appended to chunks.
     void copyMergeChunks(boost::shared_ptr<CGraphicElement> element, tChunkList& chunks);
-    /// Merges chunk (already in place) into the first chunk that takes it, else appends a copy.
+    /// Merges chunk (already in place) into the first chunk that takes it, else
+    /// appends it; a chunk held elsewhere too is copied before it is merged into.
     void copyMergeChunk(boost::shared_ptr<CDrawChunk> chunk, tChunkList& chunks);
     void pushBackOperation(operation op, tOperationList& exitOperations, tOperationList& enterOperations);
 
@@ -81,6 +84,9 @@ private:
     bool celArrays(const tDsetSpriteCel* record, const tDsetBillboard*& billboards, const tDsetAvatarPiece*& pieces,
                    const tDsetOperation*& operations) const;
     void loadBillboardTexture(CBillboard* billboard, uint32_t url);
+    /// The chunk of a billboard showing a whole texture file, made without the
+    /// billboard; null when the billboard's own path must run.
+    boost::shared_ptr<CDrawChunk> directBillboardChunk(const tDsetBillboard* record);
     template <class T> const T* array(uint32_t pointer, uint32_t count) const;
 
     AvatarCostume* mCostume;
@@ -90,6 +96,8 @@ private:
     std::vector<boost::shared_ptr<CDrawChunk> > mBillboardChunks;
     std::vector<boost::shared_ptr<Avatar2DPiece> > mAvatarPieces;
     boost::shared_ptr<CDsetReader> mReader;
+    /// Textures by image-name pointer: a dataset stores each name once.
+    std::map<uint32_t, boost::shared_ptr<CTexture> > mTextures;
 };
 
 #endif
