@@ -35,8 +35,11 @@ test: build
 
 demo: build
 	@mkdir -p $(DEMO_OUT)
-	@$(RENDER) --demo shapes --frames 60 --out $(DEMO_OUT)/shapes.png
-	@echo "Demo frame written to $(DEMO_OUT)/shapes.png"
+	@$(RENDER) --demo meadow --frames 90 --out $(DEMO_OUT)/meadow.png --contact-sheet $(DEMO_OUT)/meadow-contact-sheet.png 2>/dev/null
+	@$(RENDER) --demo shapes --frames 60 --out $(DEMO_OUT)/shapes.png 2>/dev/null
+	@echo "Demo frame written to $(DEMO_OUT)/meadow.png"
+	@echo "Contact sheet (every 8th frame) written to $(DEMO_OUT)/meadow-contact-sheet.png"
+	@echo "Shapes demo frame written to $(DEMO_OUT)/shapes.png"
 
 # Benchmarks against SDL2 (docs/performance.md is regenerated from the run).
 bench:
@@ -64,7 +67,7 @@ fuzz: deps-reliability
 
 # The renderer and the test programs under valgrind memcheck: no definite leak.
 leak-check: deps-reliability build
-	@cd $(BUILD) && ctest --output-on-failure -L leak-check
+	@./scripts/leak-check.sh $(BUILD)
 
 # FRAMES frames of the soak scene; samples in $(BUILD)/soak.csv.
 soak: build

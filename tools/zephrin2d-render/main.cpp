@@ -1,5 +1,7 @@
 // zephrin2d-render: draws a demo headless and writes its frames as PNG.
+#include "ContactSheet.h"
 #include "Demo.h"
+#include "SceneDemo.h"
 
 #include "GLRecorder.h"
 #include "ImageIO.h"
@@ -7,6 +9,7 @@
 #include "CGraphics2D.h"
 #include <VellOpenGLConfig.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
@@ -25,6 +28,9 @@ struct tOptions
     std::string demoName = "shapes";
     std::string out;
     std::string scene;
+    SceneOptions sceneFiles;
+    std::string contactSheet;
+    int every = 0;
     bool stats = false;
     bool help = false;
 };
@@ -48,14 +54,19 @@ void printHelp()
         "                 buffers; cpuMicros is the CPU time of the frame before the swap\n"
         "  --demo NAME    the demo to draw (default shapes)\n"
         "  --count N      a number for the demo, see below (default: the demo's own)\n"
+        "  --contact-sheet FILE.png\n"
+        "                 also tile every Nth frame, numbered, into one picture\n"
+        "  --every N      the N of --contact-sheet (default: about 12 frames in all)\n"
         "  --help         show this text\n"
         "\n"
-        "  SCENE.json     a scene file to draw instead of a demo (not available yet)\n"
+        "  SCENE.json     a scene file to draw instead of a demo; its actors play.\n"
+        "                 With a scene file:\n"
+        "%s"
         "\n"
         "Options also take the form --name=value. Bad options exit with status 2.\n"
         "\n"
         "Demos:\n",
-        kTool);
+        kTool, SceneOptions::help());
     for (const std::string& name : DemoRegistry::names()) {
         std::unique_ptr<Demo> demo = DemoRegistry::create(name);
         std::printf("  %-12s %s\n", name.c_str(), demo->summary());
@@ -100,6 +111,12 @@ bool parseOptions(int argc, char** argv, tOptions& options)
             options.scene = arg;
             continue;
         }
+        std::string sceneError;
+        const int taken = options.sceneFiles.parse(argc, argv, i, sceneError);
+        if (taken < 0)
+            return usageError(sceneError);
+        if (taken > 0)
+            continue;
         std::string value;
         bool hasValue = false;
         const size_t eq = arg.find('=');
@@ -115,7 +132,7 @@ bool parseOptions(int argc, char** argv, tOptions& options)
             continue;
         }
         if (arg != "--size" && arg != "--frames" && arg != "--dt" && arg != "--out" && arg != "--demo" &&
-            arg != "--count")
+            arg != "--count" && arg != "--contact-sheet" && arg != "--every")
             return usageError("unknown option '" + arg + "'");
         if (!hasValue) {
             if (i + 1 >= argc)
@@ -134,6 +151,13 @@ bool parseOptions(int argc, char** argv, tOptions& options)
         } else if (arg == "--count") {
             if (!parseInt(value, 0, 1000000, options.demo.count))
                 return usageError("--count needs a number from 0 to 1000000, got '" + value + "'");
+        } else if (arg == "--every") {
+            if (!parseInt(value, 1, 1000000, options.every))
+                return usageError("--every needs a number from 1 to 1000000, got '" + value + "'");
+        } else if (arg == "--contact-sheet") {
+            if (value.empty())
+                return usageError("--contact-sheet needs a file name");
+            options.contactSheet = value;
         } else if (arg == "--out") {
             if (value.empty())
                 return usageError("--out needs a file or directory name");
@@ -169,11 +193,16 @@ std::string framePath(const std::string& dir, int index)
     return (dir.back() == '/' ? dir : dir + "/") + name;
 }
 
+bool readFrame(ImageIO::tImage& image)
+{
+    Tadwick::Vell::VellOpenGLConfig* config = CGraphics2D::Instance()->getConfig();
+    return config && config->readPixels(image.rgba, image.width, image.height);
+}
+
 bool writeFrame(const std::string& path)
 {
     ImageIO::tImage image;
-    Tadwick::Vell::VellOpenGLConfig* config = CGraphics2D::Instance()->getConfig();
-    if (!config || !config->readPixels(image.rgba, image.width, image.height) || !ImageIO::writePNG(path, image)) {
+    if (!readFrame(image) || !ImageIO::writePNG(path, image)) {
         std::fprintf(stderr, "%s: cannot write %s\n", kTool, path.c_str());
         return false;
     }
@@ -184,9 +213,9 @@ bool writeFrame(const std::string& path)
 std::unique_ptr<Demo> makeSource(const tOptions& options)
 {
     if (!options.scene.empty()) {
-        // Scene files will be loaded here, wrapped as a Demo that builds from the file.
-        usageError("drawing scene files is not available yet ('" + options.scene + "')");
-        return std::unique_ptr<Demo>();
+        SceneOptions files = options.sceneFiles;
+        files.scene = options.scene;
+        return std::unique_ptr<Demo>(new SceneDemo(files));
     }
     std::unique_ptr<Demo> demo = DemoRegistry::create(options.demoName);
     if (!demo) {
@@ -205,6 +234,15 @@ int run(const tOptions& options, Demo& demo)
         std::fprintf(stderr, "%s: cannot make directory %s: %s\n", kTool, options.out.c_str(), std::strerror(errno));
         return 1;
     }
+    // The directories of the files to write are made when missing.
+    const std::string files[2] = {toDirectory ? std::string() : options.out, options.contactSheet};
+    for (const std::string& file : files) {
+        const size_t slash = file.rfind('/');
+        if (slash != std::string::npos && slash > 0 && !makeDirectories(file.substr(0, slash))) {
+            std::fprintf(stderr, "%s: cannot make directory for %s: %s\n", kTool, file.c_str(), std::strerror(errno));
+            return 1;
+        }
+    }
     const DemoOptions& o = options.demo;
     Tadwick::Vell::VellOpenGLConfig::SetSurfaceSize(o.width, o.height);
     CGraphics2D* graphics = CGraphics2D::Instance();
@@ -214,6 +252,8 @@ int run(const tOptions& options, Demo& demo)
         return 1;
     }
     demo.build(o);
+    ContactSheet sheet;
+    const int every = options.every > 0 ? options.every : std::max(1, (o.frames + 11) / 12);
     for (int i = 0; i < o.frames; ++i) {
         GLRecorder::resetCounters();
         const std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
@@ -230,6 +270,13 @@ int run(const tOptions& options, Demo& demo)
         }
         if (toDirectory && !writeFrame(framePath(options.out, i)))
             return 1;
+        ImageIO::tImage frame;
+        if (!options.contactSheet.empty() && i % every == 0 && readFrame(frame))
+            sheet.add(i, frame);
+    }
+    if (!options.contactSheet.empty() && !ImageIO::writePNG(options.contactSheet, sheet.compose())) {
+        std::fprintf(stderr, "%s: cannot write %s\n", kTool, options.contactSheet.c_str());
+        return 1;
     }
     if (!options.out.empty() && !toDirectory && !writeFrame(options.out))
         return 1;

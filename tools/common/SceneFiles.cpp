@@ -1,0 +1,136 @@
+#include "SceneFiles.h"
+
+#include "CAvatarCostume.h"
+#include "CBaseActor.h"
+#include "CDrawManager.h"
+#include "CSceneLoaderJson.h"
+#include "CTextureSheet.h"
+
+#include <SystemData.h>
+
+#include <sys/stat.h>
+
+namespace {
+
+bool readable(const std::string& path)
+{
+    struct stat st;
+    return stat(path.c_str(), &st) == 0 && S_ISREG(st.st_mode);
+}
+
+} // namespace
+
+int SceneOptions::parse(int argc, char** argv, int& i, std::string& error)
+{
+    std::string arg = argv[i];
+    std::string value;
+    bool hasValue = false;
+    const size_t eq = arg.find('=');
+    if (eq != std::string::npos) {
+        value = arg.substr(eq + 1);
+        arg = arg.substr(0, eq);
+        hasValue = true;
+    }
+    std::string* target = arg == "--sheet" ? &sheet
+                        : arg == "--costume" ? &costume
+                        : arg == "--art-path" ? &artPath
+                        : arg == "--default-path" ? &defaultPath
+                        : 0;
+    if (!target)
+        return 0;
+    if (!hasValue) {
+        if (i + 1 >= argc) {
+            error = arg + " needs a value";
+            return -1;
+        }
+        value = argv[++i];
+    }
+    if (value.empty() && arg != "--default-path") {
+        error = arg + " needs a value";
+        return -1;
+    }
+    *target = value;
+    if (arg == "--default-path")
+        hasDefaultPath = true;
+    return 1;
+}
+
+const char* SceneOptions::help()
+{
+    return "  --sheet FILE        a texture-sheet description for the scene's billboards\n"
+           "  --costume FILE      an avatar costume (JSON or .dsetBin) for avatar pieces\n"
+           "  --art-path DIR      a directory searched for art (before ZEPHRIN2D_ART_PATH)\n"
+           "  --default-path P    prefix of billboard file names (plain concatenation;\n"
+           "                      default: the scene file's directory)\n";
+}
+
+SceneFiles::SceneFiles(const SceneOptions& options) : mOptions(options) {}
+
+SceneFiles::~SceneFiles() { unload(); }
+
+bool SceneFiles::load(std::string& error)
+{
+    unload();
+    if (!readable(mOptions.scene)) {
+        error = mOptions.scene + ": cannot be read";
+        return false;
+    }
+    if (!mOptions.artPath.empty())
+        CSystemData::Instance()->AddArtPath(mOptions.artPath);
+    CSceneLoaderJson loader;
+    if (!mOptions.sheet.empty()) {
+        mSheet.reset(new CTextureSheet(mOptions.sheet));
+        loader.setTextureSheet(mSheet.get());
+    }
+    if (!mOptions.costume.empty()) {
+        mCostume.reset(new AvatarCostume());
+        mCostume->addFromFile(mOptions.costume, 0, 0);
+        loader.setCostume(mCostume.get());
+    }
+    std::string prefix = mOptions.defaultPath;
+    if (!mOptions.hasDefaultPath) {
+        const size_t slash = mOptions.scene.rfind('/');
+        prefix = slash == std::string::npos ? std::string() : mOptions.scene.substr(0, slash + 1);
+    }
+    loader.setDefaultPath(prefix);
+    const CSceneLoaderJson::tElementList elements = loader.parseJsonFile(mOptions.scene.c_str());
+    mManager.reset(new CActorManager());
+    for (size_t i = 0; i < elements.size(); ++i) {
+        if (!elements[i])
+            continue;
+        mElements.push_back(elements[i]);
+        CDrawManager::Instance()->add(elements[i]);
+        boost::shared_ptr<CBaseActor> actor = boost::dynamic_pointer_cast<CBaseActor>(elements[i]);
+        if (actor) {
+            mActors.push_back(actor);
+            mManager->add(actor);
+        }
+    }
+    if (mElements.empty()) {
+        error = mOptions.scene + ": no element loaded";
+        return false;
+    }
+    return true;
+}
+
+void SceneFiles::unload()
+{
+    for (size_t i = 0; i < mElements.size(); ++i)
+        CDrawManager::Instance()->remove(mElements[i]);
+    mElements.clear();
+    mActors.clear();
+    mManager.reset();
+    mCostume.reset();
+    mSheet.reset();
+    CDrawManager::Instance()->shrinkAll();
+}
+
+bool SceneFiles::reload(std::string& error) { return load(error); }
+
+void SceneFiles::step(int dtMs)
+{
+    if (mManager)
+        mManager->update(dtMs);
+}
+
+void SceneFiles::draw() { CDrawManager::Instance()->drawAll(); }

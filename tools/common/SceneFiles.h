@@ -1,0 +1,63 @@
+#ifndef ZEPHRIN2D_TOOLS_SCENEFILES_H
+#define ZEPHRIN2D_TOOLS_SCENEFILES_H
+
+#include "CActorManager.h"
+#include "CGraphicElement.h"
+
+#include <boost/shared_ptr.hpp>
+#include <memory>
+#include <string>
+#include <vector>
+
+class AvatarCostume;
+class CTextureSheet;
+
+/// The files a scene is drawn from, as the render tool and the viewer take them.
+struct SceneOptions
+{
+    std::string scene;        ///< the scene file (a JSON array of elements)
+    std::string sheet;        ///< --sheet: a texture-sheet description
+    std::string costume;      ///< --costume: an avatar costume (every LOD)
+    std::string artPath;      ///< --art-path: a directory searched for art
+    std::string defaultPath;  ///< --default-path: prefix of billboard file names
+    bool hasDefaultPath = false;
+
+    /// Takes argv[i] (and its value) when it is a scene option: returns 1 when
+    /// taken, 0 when it is no scene option, -1 on a bad value (error says why).
+    int parse(int argc, char** argv, int& i, std::string& error);
+    /// The option lines for --help.
+    static const char* help();
+};
+
+/// A scene loaded from its files, registered for drawing, its actors updated
+/// each frame. reload() reads every file again.
+class SceneFiles
+{
+public:
+    explicit SceneFiles(const SceneOptions& options);
+    ~SceneFiles();
+
+    /// False (with error) when the scene file gives nothing; the scene is then empty.
+    bool load(std::string& error);
+    void unload();
+    bool reload(std::string& error);
+
+    void step(int dtMs);
+    void draw();
+
+    size_t elementCount() const { return mElements.size(); }
+    size_t actorCount() const { return mActors.size(); }
+
+private:
+    SceneFiles(const SceneFiles&);
+    SceneFiles& operator=(const SceneFiles&);
+
+    SceneOptions mOptions;
+    std::unique_ptr<CTextureSheet> mSheet;
+    std::unique_ptr<AvatarCostume> mCostume;
+    std::vector<boost::shared_ptr<CGraphicElement> > mElements;
+    std::vector<boost::shared_ptr<CBaseActor> > mActors;
+    std::unique_ptr<CActorManager> mManager;
+};
+
+#endif
