@@ -7,7 +7,7 @@ PACKAGES="build-essential cmake pkg-config git
   libpng-dev zlib1g-dev libboost-dev libglibmm-2.4-dev libjsoncpp-dev
   libfreetype-dev libfontconfig-dev fonts-dejavu-core
   googletest libgtest-dev libgmock-dev libbenchmark-dev
-  xvfb xauth x11-utils"
+  xvfb xauth x11-utils x11-apps"
 # With --reliability also what the fuzz targets, the sanitizer runs and the
 # leak check need (clang with libFuzzer and the sanitizer runtimes, valgrind).
 RELIABILITY_PACKAGES="clang-14 libclang-rt-14-dev llvm-14 valgrind python3"

@@ -1,0 +1,8 @@
+# The viewer in a real window under Xvfb, against the render tool's frame of the same scene.
+add_executable(z2d-imgdiff ${CMAKE_CURRENT_SOURCE_DIR}/support/imgdiff.cpp)
+target_link_libraries(z2d-imgdiff PRIVATE ImageIO)
+add_test(NAME viewer-window-matches-render
+  COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/viewer_test.sh $<TARGET_FILE:zephrin2d-view> $<TARGET_FILE:zephrin2d-render>
+    $<TARGET_FILE:z2d-imgdiff> ${CMAKE_CURRENT_SOURCE_DIR}/data/scenes/still.json ${PROJECT_SOURCE_DIR}/examples/art/
+    ${CMAKE_CURRENT_BINARY_DIR}/viewer)
+set_tests_properties(viewer-window-matches-render PROPERTIES LABELS tools SKIP_RETURN_CODE 77 TIMEOUT 120)

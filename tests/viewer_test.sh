@@ -1,0 +1,30 @@
+#!/bin/sh
+# Opens the viewer on a still scene in an Xvfb window, dumps the real window
+# with xwd while it runs, and compares both the dump and the viewer's own
+# read-back with the render tool's frame of the same scene.
+set -u
+VIEW=$1 RENDER=$2 DIFF=$3 SCENE=$4 ART=$5 OUT=$6
+mkdir -p "$OUT"
+command -v Xvfb >/dev/null 2>&1 || { echo "Xvfb missing"; exit 77; }
+command -v xwd >/dev/null 2>&1 || { echo "xwd missing"; exit 77; }
+
+n=$(( 90 + $$ % 400 ))
+while [ -e "/tmp/.X$n-lock" ]; do n=$((n + 1)); done
+Xvfb ":$n" -screen 0 640x480x24 -nolisten tcp >"$OUT/xvfb.log" 2>&1 &
+xvfb=$!
+trap 'kill $xvfb 2>/dev/null' EXIT
+i=0
+while [ ! -e "/tmp/.X11-unix/X$n" ] && [ $i -lt 50 ]; do sleep 0.1; i=$((i + 1)); done
+[ -e "/tmp/.X11-unix/X$n" ] || { echo "Xvfb did not start"; exit 77; }
+export DISPLAY=":$n"
+
+"$RENDER" "$SCENE" --default-path "$ART" --frames 5 --out "$OUT/render.png" >/dev/null 2>&1 || { echo "render failed"; exit 1; }
+"$VIEW" "$SCENE" --default-path "$ART" --frames 150 --screenshot "$OUT/view.png" &
+viewer=$!
+sleep 1.2
+xwd -root -silent >"$OUT/window.xwd" || { echo "xwd failed"; exit 1; }
+wait $viewer || { echo "viewer failed"; exit 1; }
+
+"$DIFF" "$OUT/view.png" "$OUT/render.png" 2 0 || { echo "viewer read-back differs from the render"; exit 1; }
+"$DIFF" "$OUT/window.xwd" "$OUT/render.png" 2 0 || { echo "the window on screen differs from the render"; exit 1; }
+echo "viewer window matches the render"

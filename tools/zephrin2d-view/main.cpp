@@ -1,0 +1,212 @@
+// zephrin2d-view: a scene file in an X11 window, animated in real time.
+#include "GLRecorder.h"
+#include "ImageIO.h"
+#include "SceneFiles.h"
+
+#include "CGraphics2D.h"
+
+#include <VellOpenGLConfig.h>
+
+#include <X11/Xlib.h>
+#include <X11/keysym.h>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <thread>
+
+namespace {
+
+const char* const kTool = "zephrin2d-view";
+
+struct tOptions
+{
+    SceneOptions files;
+    int width = 320;
+    int height = 240;
+    int frames = 0;  // 0: until quit
+    std::string screenshot;
+};
+
+void printHelp()
+{
+    std::printf("Usage: %s [OPTIONS] SCENE.json\n"
+                "Shows a scene file in a window and plays its actors in real time.\n"
+                "\n"
+                "%s"
+                "  --size WxH          window size (default 320x240)\n"
+                "  --frames N          quit after N frames (for scripts and tests)\n"
+                "  --screenshot FILE   write the last frame to FILE.png when quitting\n"
+                "  --help              show this text\n"
+                "\n"
+                "Keys: space pauses and resumes, right arrow steps one frame (33 ms),\n"
+                "r reloads every file from disk, q or Escape quits.\n"
+                "The title shows frames per second, draw calls and uploaded bytes per frame.\n",
+                kTool, SceneOptions::help());
+}
+
+bool usageError(const std::string& message)
+{
+    std::fprintf(stderr, "%s: %s\n%s: try --help\n", kTool, message.c_str(), kTool);
+    return false;
+}
+
+bool parse(int argc, char** argv, tOptions& o, bool& help)
+{
+    for (int i = 1; i < argc; ++i) {
+        std::string error;
+        const int taken = o.files.parse(argc, argv, i, error);
+        if (taken < 0)
+            return usageError(error);
+        if (taken > 0)
+            continue;
+        const std::string arg = argv[i];
+        if (arg == "--help") {
+            help = true;
+        } else if (arg == "--size" && i + 1 < argc) {
+            if (std::sscanf(argv[++i], "%dx%d", &o.width, &o.height) != 2 || o.width < 1 || o.height < 1 ||
+                o.width > 4096 || o.height > 4096)
+                return usageError("--size needs WxH, each side 1 to 4096");
+        } else if (arg == "--frames" && i + 1 < argc) {
+            o.frames = std::atoi(argv[++i]);
+            if (o.frames < 1)
+                return usageError("--frames needs a number above 0");
+        } else if (arg == "--screenshot" && i + 1 < argc) {
+            o.screenshot = argv[++i];
+        } else if (!arg.empty() && arg[0] == '-') {
+            return usageError("unknown option or missing value '" + arg + "'");
+        } else if (o.files.scene.empty()) {
+            o.files.scene = arg;
+        } else {
+            return usageError("one scene file at most");
+        }
+    }
+    if (!help && o.files.scene.empty())
+        return usageError("no scene file given");
+    return true;
+}
+
+enum tKey { KEY_NONE, KEY_QUIT, KEY_PAUSE, KEY_STEP, KEY_RELOAD };
+
+/// The next key or window event, KEY_NONE when there is none.
+tKey nextEvent(Display* display, Atom deleteWindow)
+{
+    while (XPending(display)) {
+        XEvent event;
+        XNextEvent(display, &event);
+        if (event.type == ClientMessage && static_cast<Atom>(event.xclient.data.l[0]) == deleteWindow)
+            return KEY_QUIT;
+        if (event.type != KeyPress)
+            continue;
+        const KeySym key = XLookupKeysym(&event.xkey, 0);
+        if (key == XK_q || key == XK_Escape)
+            return KEY_QUIT;
+        if (key == XK_space)
+            return KEY_PAUSE;
+        if (key == XK_Right)
+            return KEY_STEP;
+        if (key == XK_r)
+            return KEY_RELOAD;
+    }
+    return KEY_NONE;
+}
+
+int view(const tOptions& o)
+{
+    Tadwick::Vell::VellOpenGLConfig::SetWindowed(true);
+    Tadwick::Vell::VellOpenGLConfig::SetSurfaceSize(o.width, o.height);
+    CGraphics2D* graphics = CGraphics2D::Instance();
+    graphics->init(tVect2{tFixed(o.width), tFixed(o.height)}, tColor{0, 0, 0, 255}, 0, 0);
+    Tadwick::Vell::VellOpenGLConfig* config = graphics->getConfig();
+    if (!config || !config->isValid() || !config->getX11Display()) {
+        std::fprintf(stderr, "%s: no X11 display to open a window on (is DISPLAY set?)\n", kTool);
+        return 1;
+    }
+    Display* display = static_cast<Display*>(config->getX11Display());
+    Atom deleteWindow = XInternAtom(display, "WM_DELETE_WINDOW", False);
+    XSetWMProtocols(display, config->getX11Window(), &deleteWindow, 1);
+
+    SceneFiles scene(o.files);
+    std::string error;
+    if (!scene.load(error))
+        std::fprintf(stderr, "%s: %s\n", kTool, error.c_str());
+
+    typedef std::chrono::steady_clock tClock;
+    const std::chrono::milliseconds frameTime(16);
+    tClock::time_point last = tClock::now(), titleAt = last;
+    bool paused = false;
+    int frame = 0, framesSinceTitle = 0;
+    int status = 0;
+    for (;;) {
+        int dt = 0;
+        const tKey key = nextEvent(display, deleteWindow);
+        if (key == KEY_QUIT)
+            break;
+        if (key == KEY_PAUSE)
+            paused = !paused;
+        if (key == KEY_RELOAD && !scene.reload(error))
+            std::fprintf(stderr, "%s: %s\n", kTool, error.c_str());
+        const tClock::time_point now = tClock::now();
+        const int elapsed = static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(now - last).count());
+        last = now;
+        if (o.frames > 0)
+            dt = frame > 0 ? 33 : 0;  // scripted runs step like the render tool, whatever the clock says
+        else if (!paused)
+            dt = elapsed;
+        if (key == KEY_STEP && paused)
+            dt = 33;
+        if (dt > 0)
+            scene.step(dt);
+
+        GLRecorder::resetCounters();
+        graphics->clearBuffer();
+        scene.draw();
+        const GLRecorder::tCounters counters = GLRecorder::counters();
+        const bool lastFrame = o.frames > 0 && frame + 1 >= o.frames;
+        if (lastFrame && !o.screenshot.empty()) {
+            ImageIO::tImage image;
+            if (!config->readPixels(image.rgba, image.width, image.height) || !ImageIO::writePNG(o.screenshot, image)) {
+                std::fprintf(stderr, "%s: cannot write %s\n", kTool, o.screenshot.c_str());
+                status = 1;
+            }
+        }
+        graphics->swapBuffer();
+        ++frame;
+        ++framesSinceTitle;
+        const double seconds = std::chrono::duration<double>(now - titleAt).count();
+        if (seconds >= 0.5) {
+            char title[160];
+            std::snprintf(title, sizeof title, "%s  %.0f fps  %lu draw calls  %lu bytes uploaded%s",
+                          o.files.scene.c_str(), framesSinceTitle / seconds, counters.drawCalls, counters.uploadBytes,
+                          paused ? "  (paused)" : "");
+            config->setWindowTitle(title);
+            titleAt = now;
+            framesSinceTitle = 0;
+        }
+        if (lastFrame)
+            break;
+        const tClock::duration spent = tClock::now() - now;
+        if (spent < frameTime)
+            std::this_thread::sleep_for(frameTime - spent);
+    }
+    scene.unload();
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    tOptions options;
+    bool help = false;
+    if (!parse(argc, argv, options, help))
+        return 2;
+    if (help) {
+        printHelp();
+        return 0;
+    }
+    const int status = view(options);
+    CGraphics2D::Instance()->cleanup();
+    return status;
+}
