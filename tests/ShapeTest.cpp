@@ -25,7 +25,7 @@ std::vector<tRaw> rawVertices(CGraphicShape& shape)
     return out;
 }
 
-tRaw px(int x, int y) { return tRaw(x << 16, y << 16); }
+tRaw px(int x, int y) { return tRaw(x * 65536, y * 65536); }
 
 tVect2 v2(int x, int y) { return tVect2{tFixed(x), tFixed(y)}; }
 
