@@ -1,5 +1,5 @@
 # The viewer in a real window under Xvfb, against the render tool's frame of the same scene.
-add_executable(z2d-imgdiff ${CMAKE_CURRENT_SOURCE_DIR}/support/imgdiff.cpp)
+add_executable(z2d-imgdiff ${CMAKE_CURRENT_SOURCE_DIR}/tools/imgdiff.cpp)
 target_link_libraries(z2d-imgdiff PRIVATE ImageIO)
 add_test(NAME viewer-window-matches-render
   COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/viewer_test.sh $<TARGET_FILE:zephrin2d-view> $<TARGET_FILE:zephrin2d-render>
