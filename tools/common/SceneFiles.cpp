@@ -8,6 +8,8 @@
 
 #include <SystemData.h>
 
+#include <cstdio>
+#include <exception>
 #include <sys/stat.h>
 
 namespace {
@@ -64,19 +66,37 @@ const char* SceneOptions::help()
            "                      default: the scene file's directory)\n";
 }
 
-SceneFiles::SceneFiles(const SceneOptions& options) : mOptions(options) {}
+SceneFiles::SceneFiles(const SceneOptions& options) : mOptions(options), mArtPathAdded(false) {}
 
 SceneFiles::~SceneFiles() { unload(); }
 
 bool SceneFiles::load(std::string& error)
+{
+    // The library reports bad content and never throws; a tool still must not die of a surprise.
+    try {
+        return loadFiles(error);
+    } catch (const std::exception& e) {
+        unload();
+        error = mOptions.scene + ": " + e.what();
+        return false;
+    }
+}
+
+bool SceneFiles::loadFiles(std::string& error)
 {
     unload();
     if (!readable(mOptions.scene)) {
         error = mOptions.scene + ": cannot be read";
         return false;
     }
-    if (!mOptions.artPath.empty())
+    const std::string* files[2] = {&mOptions.sheet, &mOptions.costume};
+    for (const std::string* file : files)
+        if (!file->empty() && !readable(*file))
+            std::fprintf(stderr, "%s: cannot be read\n", file->c_str());
+    if (!mOptions.artPath.empty() && !mArtPathAdded) {
         CSystemData::Instance()->AddArtPath(mOptions.artPath);
+        mArtPathAdded = true;
+    }
     CSceneLoaderJson loader;
     if (!mOptions.sheet.empty()) {
         mSheet.reset(new CTextureSheet(mOptions.sheet));
@@ -129,8 +149,13 @@ bool SceneFiles::reload(std::string& error) { return load(error); }
 
 void SceneFiles::step(int dtMs)
 {
-    if (mManager)
-        mManager->update(dtMs);
+    try {
+        if (mManager)
+            mManager->update(dtMs);
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "%s: the scene stops: %s\n", mOptions.scene.c_str(), e.what());
+        mManager.reset();
+    }
 }
 
 void SceneFiles::draw() { CDrawManager::Instance()->drawAll(); }

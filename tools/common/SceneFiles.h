@@ -51,6 +51,7 @@ public:
 private:
     SceneFiles(const SceneFiles&);
     SceneFiles& operator=(const SceneFiles&);
+    bool loadFiles(std::string& error);
 
     SceneOptions mOptions;
     std::unique_ptr<CTextureSheet> mSheet;
@@ -58,6 +59,7 @@ private:
     std::vector<boost::shared_ptr<CGraphicElement> > mElements;
     std::vector<boost::shared_ptr<CBaseActor> > mActors;
     std::unique_ptr<CActorManager> mManager;
+    bool mArtPathAdded;
 };
 
 #endif

@@ -129,7 +129,9 @@ int view(const tOptions& o)
 
     SceneFiles scene(o.files);
     std::string error;
-    if (!scene.load(error))
+    // The exit status tells whether the scene shown last loaded.
+    bool loaded = scene.load(error);
+    if (!loaded)
         std::fprintf(stderr, "%s: %s\n", kTool, error.c_str());
 
     typedef std::chrono::steady_clock tClock;
@@ -145,8 +147,11 @@ int view(const tOptions& o)
             break;
         if (key == KEY_PAUSE)
             paused = !paused;
-        if (key == KEY_RELOAD && !scene.reload(error))
-            std::fprintf(stderr, "%s: %s\n", kTool, error.c_str());
+        if (key == KEY_RELOAD) {
+            loaded = scene.reload(error);
+            if (!loaded)
+                std::fprintf(stderr, "%s: %s\n", kTool, error.c_str());
+        }
         const tClock::time_point now = tClock::now();
         const int elapsed = static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(now - last).count());
         last = now;
@@ -191,7 +196,7 @@ int view(const tOptions& o)
             std::this_thread::sleep_for(frameTime - spent);
     }
     scene.unload();
-    return status;
+    return loaded ? status : 1;
 }
 
 } // namespace
