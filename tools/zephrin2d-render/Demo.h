@@ -32,6 +32,8 @@ struct Demo
     /// Asked before the graphics context exists.
     virtual tColor clearColor() const { return tColor{0, 0, 0, 255}; }
     virtual void build(const DemoOptions& options) = 0;
+    /// After build(): whether the demo has nothing to show (the tool then exits with 1).
+    virtual bool failed() const { return false; }
     /// Draws frame index, dtMs milliseconds after the previous one: updates
     /// actors, calls CDrawManager::Instance()->drawAll(), draws shapes.
     virtual void frame(int index, int dtMs) = 0;

@@ -15,9 +15,12 @@ public:
     void build(const DemoOptions&) override
     {
         std::string error;
-        if (!mFiles.load(error))
+        mFailed = !mFiles.load(error);
+        if (mFailed)
             std::fprintf(stderr, "zephrin2d-render: %s\n", error.c_str());
     }
+
+    bool failed() const override { return mFailed; }
 
     void frame(int index, int dtMs) override
     {
@@ -28,6 +31,7 @@ public:
 
 private:
     SceneFiles mFiles;
+    bool mFailed = false;
 };
 
 #endif

@@ -252,6 +252,8 @@ int run(const tOptions& options, Demo& demo)
         return 1;
     }
     demo.build(o);
+    if (demo.failed())
+        return 1;
     ContactSheet sheet;
     const int every = options.every > 0 ? options.every : std::max(1, (o.frames + 11) / 12);
     for (int i = 0; i < o.frames; ++i) {
