@@ -21,6 +21,9 @@ struct tCountCase
     unsigned long bufferDataCalls;
 };
 
+// Without it gtest prints the case's raw bytes, padding included.
+void PrintTo(const tCountCase& c, std::ostream* os) { *os << "scene " << c.scene; }
+
 class PerfCountsTest : public ::testing::TestWithParam<tCountCase>
 {
 };

@@ -108,11 +108,10 @@ std::vector<std::string> SoakSampler::check(long heapSlackKiB, long residentSlac
         snprintf(line, sizeof line, "%ld frame(s) with GL errors", mSamples.back().glErrors);
         problems.push_back(line);
     }
-    // Memory breathes: the GL driver releases orphaned buffer storage in
-    // batches, so the heap rises for dozens of frames and falls back, and
-    // resident memory follows the allocators' trimming. A leak lifts the
-    // heap's floor; resident memory is judged by its peaks. Each is compared
-    // between the two halves of the samples after the warm-up.
+    // Memory breathes: the GL driver releases buffer storage in batches, so
+    // the heap rises for dozens of frames and falls back, and resident memory
+    // follows the allocators' trimming. Peaks are what repeats: each is
+    // compared between the two halves of the samples after the warm-up.
     std::vector<const tSample*> after;
     for (const tSample& s : mSamples)
         if (s.frame >= mWarmup)
@@ -122,25 +121,24 @@ std::vector<std::string> SoakSampler::check(long heapSlackKiB, long residentSlac
     {
         const char* what;
         long tSample::*field;
-        bool floor;
         long slack;
-    } kinds[] = {{"heap in use: floor", &tSample::heapKiB, true, heapSlackKiB},
-                 {"resident memory: peak", &tSample::residentKiB, false, residentSlackKiB}};
+    } kinds[] = {{"heap in use", &tSample::heapKiB, heapSlackKiB},
+                 {"resident memory", &tSample::residentKiB, residentSlackKiB}};
     for (const auto& kind : kinds) {
         long earlier = 0, later = 0, laterFrame = 0;
         for (size_t i = 0; i < after.size(); ++i) {
             const long v = after[i]->*kind.field;
             const bool firstOfHalf = i == 0 || i == half;
             if (i < half) {
-                if (firstOfHalf || (kind.floor ? v < earlier : v > earlier))
+                if (firstOfHalf || v > earlier)
                     earlier = v;
-            } else if (firstOfHalf || (kind.floor ? v < later : v > later)) {
+            } else if (firstOfHalf || v > later) {
                 later = v;
                 laterFrame = after[i]->frame;
             }
         }
         if (half > 0 && later > earlier + kind.slack) {
-            snprintf(line, sizeof line, "%s %ld KiB (frame %ld), %ld KiB above the earlier half", kind.what, later,
+            snprintf(line, sizeof line, "%s peaks at %ld KiB (frame %ld), %ld KiB above the earlier half", kind.what, later,
                      laterFrame, later - earlier);
             problems.push_back(line);
         }

@@ -11,8 +11,7 @@
 /// show, so the warm-up frames set the range they may take; any frame after
 /// the warm-up outside that range is a fault. The heap in use and resident
 /// memory are sampled now and then; of the samples after the warm-up, the
-/// later half may not rise more than a slack above the earlier half (the
-/// heap by its floor, resident memory by its peak).
+/// later half may not peak more than a slack above the earlier half.
 class SoakSampler
 {
 public:
