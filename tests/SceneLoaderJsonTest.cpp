@@ -179,6 +179,29 @@ TEST_F(SceneLoaderJsonTest, BrokenScenesGiveTheirMessages)
     }
 }
 
+TEST_F(SceneLoaderJsonTest, ActorCelLabelIsCheckedBeforeTheCel)
+{
+    const struct { const char* name; const char* text; std::vector<std::string> messages; } cases[] = {
+        {"label number, no duration", R"([{"ElementType": 3, "ID": 0, "Animation": [{"ID": 0, "Label": 4}]}])",
+         {"CSceneLoaderJson::parseActor2D SpriteCel 0 Label is not a string",
+          "CSceneLoaderJson::parseSpriteCel no member Duration",
+          "CSceneLoaderJson::parseSpriteCel Duration is not an unsigned int"}},
+        {"second cel, label array, no id",
+         R"([{"ElementType": 3, "ID": 0, "Animation": [{"ID": 0, "Duration": 1, "Label": "a"}, {"Duration": 1, "Label": []}]}])",
+         {"CSceneLoaderJson::parseActor2D SpriteCel 1 Label is not a string",
+          "CSceneLoaderJson::parseSpriteCel no ID number", "CSceneLoaderJson::parseSpriteCel ID is not an integer"}},
+        {"string label, no duration", R"([{"ElementType": 3, "ID": 0, "Animation": [{"ID": 0, "Label": "walk"}]}])",
+         {"CSceneLoaderJson::parseSpriteCel no member Duration",
+          "CSceneLoaderJson::parseSpriteCel Duration is not an unsigned int"}},
+    };
+    for (const auto& c : cases) {
+        AssertCapture asserts;
+        CSceneLoaderJson fresh;
+        load(c.text, fresh);
+        EXPECT_EQ(asserts.messages(), c.messages) << c.name;
+    }
+}
+
 TEST_F(SceneLoaderJsonTest, DeepNestingNeverCrashes)
 {
     std::string deep;

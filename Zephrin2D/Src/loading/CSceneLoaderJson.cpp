@@ -266,14 +266,16 @@ void CSceneLoaderJson::parseAnimation(const QJN::Value& animation, CActor2D* act
 {
     for (unsigned int i = 0; i < animation.size(); ++i) {
         const QJN::Value entry = animation[i];
-        boost::shared_ptr<CSpriteCel> cel = parseSpriteCel(entry);
-        if (entry.isMember("Label")) {
+        // The label is checked before the cel is parsed.
+        const bool labelled = entry.isMember("Label");
+        if (labelled)
             CHECK(entry["Label"].isString(), "CSceneLoaderJson::parseActor2D SpriteCel %d Label is not a string",
                   static_cast<int>(i));
+        boost::shared_ptr<CSpriteCel> cel = parseSpriteCel(entry);
+        if (labelled)
             actor->appendSpriteCelStart(cel, entry["Label"].asString());
-        } else {
+        else
             actor->appendSpriteCel(cel);
-        }
     }
 }
 
