@@ -8,7 +8,7 @@ set -e
 cd "$(dirname "$0")/.."
 BUILD=${1:?build directory}
 SECONDS_EACH=${2:-20}
-shift 2 || shift $#
+if [ $# -ge 2 ]; then shift 2; else shift $#; fi
 TARGETS="$*"
 if [ -z "$TARGETS" ]; then
   for f in fuzz/fuzz_*.cpp; do TARGETS="$TARGETS $(basename "$f" .cpp | sed 's/^fuzz_//')"; done
