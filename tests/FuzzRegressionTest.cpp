@@ -6,6 +6,8 @@
 
 #include "CActor2D.h"
 #include "CAvatarCostume.h"
+#include "CDsetReader.h"
+#include "CSceneLoaderDset.h"
 #include "CTexturePNG.h"
 
 #include <dirent.h>
@@ -59,22 +61,29 @@ void loadPNG(const std::string& path)
     EXPECT_LT(peakResidentKiB() - before, 64 * 1024);
 }
 
-// The dset target's input: a 16-bit count of relink entries, the entries, the dataset.
-void loadDataset(const std::string& path)
+// Writes the dset target's input (a 16-bit count of relink entries, the
+// entries, the dataset) as a dataset and its relink file; returns the dataset's path.
+std::string writeDataset(const std::string& path)
 {
     const std::string bytes = readBytes(path);
-    ASSERT_GE(bytes.size(), 2u);
-    const size_t relink = std::min(bytes.size() - 2, size_t(uint8_t(bytes[0]) | uint8_t(bytes[1]) << 8) * 4);
+    const size_t count = bytes.size() < 2 ? 0 : size_t(uint8_t(bytes[0]) | uint8_t(bytes[1]) << 8);
+    const std::string rest = bytes.size() < 2 ? std::string() : bytes.substr(2);
+    const size_t relink = std::min(rest.size(), count * 4);
     const std::string base = scratchDir("fuzz-regressions") + "/input";
-    std::ofstream(base + ".relinkBin", std::ios::binary) << bytes.substr(2, relink);
-    std::ofstream(base + ".dsetBin", std::ios::binary) << bytes.substr(2 + relink);
+    std::ofstream(base + ".relinkBin", std::ios::binary) << rest.substr(0, relink);
+    std::ofstream(base + ".dsetBin", std::ios::binary) << rest.substr(relink);
+    return base + ".dsetBin";
+}
 
+void loadDataset(const std::string& path)
+{
+    const std::string dataset = writeDataset(path);
     AssertCapture asserts;
     CActor2D actor;
-    EXPECT_FALSE(actor.loadDset(base + ".dsetBin", 0, 0));
+    EXPECT_FALSE(actor.loadDset(dataset, 0, 0));
     EXPECT_EQ(0u, actor.getCelCount());
     AvatarCostume costume;
-    costume.addFromDset(base + ".dsetBin");
+    costume.addFromDset(dataset);
     EXPECT_TRUE(costume.getLODs().empty());
     EXPECT_FALSE(asserts.entries().empty());
 }
@@ -105,4 +114,19 @@ TEST_F(FuzzRegression, EveryInputLoadsAsBadInput)
         }
         loader->second(testDataPath("fuzz-regressions/" + name));
     }
+}
+
+TEST_F(FuzzRegression, DatasetReaderRefusesMisalignedRecords)
+{
+    CSceneLoaderDset loader;
+    void* data = 0;
+    AssertCapture asserts;
+    boost::shared_ptr<CDataset> dataset =
+        loader.LoadDset(writeDataset(testDataPath("fuzz-regressions/dset-misaligned-cel-array.bin")), data);
+    ASSERT_TRUE(dataset && loader.getReader());
+    const tDsetActor* root = loader.getReader()->record<tDsetActor>(data);
+    ASSERT_TRUE(root);
+    ASSERT_NE(0u, root->cels % 4);
+    EXPECT_EQ(nullptr, loader.getReader()->array<tDsetSpriteCel>(root->cels, root->celCount));
+    EXPECT_EQ(nullptr, loader.getReader()->record<tDsetSpriteCel>(CDsetReader::address(root->cels)));
 }
