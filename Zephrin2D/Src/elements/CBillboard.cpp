@@ -117,11 +117,7 @@ bool CBillboard::setTexture(boost::shared_ptr<CTexture> texture)
                       " CBillboard::setTexture(boost::shared_ptr<CTexture> newTexture) texure not valid\n");
     if (!texture)
         return false;
-    bool registered = false;
-    boost::shared_ptr<CTexturedChunk> chunk = beginChange(registered);
-    chunk->setTexture(texture);
-    setWholeTexture(*chunk);
-    endChange(chunk, registered);
+    showWholeTexture(texture, false);
     return true;
 }
 
@@ -131,12 +127,17 @@ bool CBillboard::setTexture(boost::shared_ptr<CTexture> texture, bool binaryAlph
                       " CBillboard::setTexture(boost::shared_ptr<CTexture> newTexture) texure not valid\n");
     if (!texture)
         return false;
+    showWholeTexture(texture, binaryAlpha);
+    return true;
+}
+
+void CBillboard::showWholeTexture(boost::shared_ptr<CTexture> texture, bool binaryAlpha)
+{
     bool registered = false;
     boost::shared_ptr<CTexturedChunk> chunk = beginChange(registered);
     chunk->setTexture(texture, binaryAlpha);
     setWholeTexture(*chunk);
     endChange(chunk, registered);
-    return true;
 }
 
 bool CBillboard::loadTexture(const Glib::ustring& path, CTextureSheet* sheet)
@@ -147,11 +148,7 @@ bool CBillboard::loadTexture(const Glib::ustring& path, CTextureSheet* sheet)
                           path.c_str());
         if (!texture)
             return false;
-        bool registered = false;
-        boost::shared_ptr<CTexturedChunk> chunk = beginChange(registered);
-        chunk->setTexture(texture);
-        setWholeTexture(*chunk);
-        endChange(chunk, registered);
+        showWholeTexture(texture, false);
         return true;
     }
 

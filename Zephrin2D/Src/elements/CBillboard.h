@@ -64,6 +64,8 @@ private:
     boost::shared_ptr<CTexturedChunk> beginChange(bool& registered);
     void endChange(const boost::shared_ptr<CTexturedChunk>& changed, bool registered);
     void setWholeTexture(CTexturedChunk& chunk);
+    /// Copy-on-write: a new chunk showing all of texture.
+    void showWholeTexture(boost::shared_ptr<CTexture> texture, bool binaryAlpha);
 
     tFixed mWidth;
     tFixed mHeight;

@@ -49,6 +49,11 @@ CText::CText(Glib::ustring text, Glib::ustring& font, unsigned char size)
 CText::CText(const CText& other) : CGraphicElement(other)
 {
     construct();
+    copySettings(other);
+}
+
+void CText::copySettings(const CText& other)
+{
     mShowDebugTextures = other.mShowDebugTextures;
     mFontProp = other.mFontProp;
     mFontAttr = other.mFontAttr;
@@ -66,16 +71,7 @@ CText& CText::operator=(const CText& other)
     tChunkList own = mChunks;
     CGraphicElement::operator=(other);
     mChunks = own;
-    mShowDebugTextures = other.mShowDebugTextures;
-    mFontProp = other.mFontProp;
-    mFontAttr = other.mFontAttr;
-    mText = other.mText;
-    if (mFontName != other.mFontName)
-        mFontNeedsLoading = true;
-    mFontName = other.mFontName;
-    mForcedWidth = other.mForcedWidth;
-    mForcedHeight = other.mForcedHeight;
-    mAlignment = other.mAlignment;
+    copySettings(other);
     mFontNeedsLoading = true;
     changed();
     return *this;

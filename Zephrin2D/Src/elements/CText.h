@@ -60,6 +60,8 @@ public:
 
 private:
     void construct();
+    /// Everything a text is set up with, but its texture and font handle.
+    void copySettings(const CText& other);
     void prepareFont();
     void changed();
     void drawWrapped(Tadwick::Vell::tFontSurf& surface);
