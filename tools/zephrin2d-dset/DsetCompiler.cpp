@@ -120,6 +120,12 @@ bool isReference(const QJN::Value& v, unsigned int& count, const std::string& pa
     return false;
 }
 
+/// A string field: required of a definition, read of a reference only when present (else null).
+uint32_t stringField(DsetWriter& out, const QJN::Value& v, const char* key, const std::string& path, bool reference)
+{
+    return !reference || v.isMember(key) ? out.addString(text(v[key], at(path, key))) : 0;
+}
+
 void writeBillboard(DsetWriter& out, uint32_t offset, const QJN::Value& v, const std::string& path, tCounts& counts)
 {
     tDsetBillboard b;
@@ -128,8 +134,7 @@ void writeBillboard(DsetWriter& out, uint32_t offset, const QJN::Value& v, const
     const bool reference = isReference(v, counts.billboards, path);
     if (!reference)
         b.element = element(v, path);
-    if (!reference || v.isMember("URL"))
-        b.url = out.addString(text(v["URL"], at(path, "URL")));
+    b.url = stringField(out, v, "URL", path, reference);
     out.put(offset, b);
     if (b.url)
         out.setPointer(offset + offsetof(tDsetBillboard, url), b.url);
@@ -143,10 +148,8 @@ void writeAvatarPiece(DsetWriter& out, uint32_t offset, const QJN::Value& v, con
     const bool reference = isReference(v, counts.avatarPieces, path);
     if (!reference)
         a.element = element(v, path);
-    if (!reference || v.isMember("Component"))
-        a.component = out.addString(text(v["Component"], at(path, "Component")));
-    if (!reference || v.isMember("Variation"))
-        a.variation = out.addString(text(v["Variation"], at(path, "Variation")));
+    a.component = stringField(out, v, "Component", path, reference);
+    a.variation = stringField(out, v, "Variation", path, reference);
     out.put(offset, a);
     if (a.component)
         out.setPointer(offset + offsetof(tDsetAvatarPiece, component), a.component);
