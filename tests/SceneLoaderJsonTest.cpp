@@ -79,6 +79,26 @@ TEST_F(SceneLoaderJsonTest, TopLevelActorsAreCopies)
     EXPECT_EQ(copy->getAnimationEndOffset("walk"), 1u);
 }
 
+TEST_F(SceneLoaderJsonTest, OpargsAreCutToSixteenBits)
+{
+    const struct { const char* oparg; int opcode; unsigned short expected; } cases[] = {
+        {"7", 3, 7}, {"-1", 3, 0xFFFF}, {"70000", 4, 70000 & 0xFFFF}, {"-2", 5, 0xFFFE}, {"[\"a.wav\"]", 5, 0},
+    };
+    for (const auto& c : cases) {
+        CSceneLoaderJson fresh;
+        const std::string text = std::string(R"([{"ElementType": 2, "ID": 0, "Duration": 5, "Operations": [{"Opcode": )") +
+            std::to_string(c.opcode) + R"(, "Oparg": )" + c.oparg + "}]}]";
+        CSceneLoaderJson::tElementList e = load(text, fresh);
+        ASSERT_EQ(e.size(), 1u) << c.oparg;
+        const CSpriteCel* cel = dynamic_cast<const CSpriteCel*>(e[0].get());
+        ASSERT_TRUE(cel) << c.oparg;
+        tOperationList::const_iterator begin, end;
+        cel->getEnterOpcodeIterators(begin, end);
+        ASSERT_EQ(end - begin, 1) << c.oparg;
+        EXPECT_EQ(begin->oparg, c.expected) << c.oparg;
+    }
+}
+
 TEST_F(SceneLoaderJsonTest, BrokenScenesGiveTheirMessages)
 {
     const struct { const char* name; const char* text; std::vector<std::string> messages; } cases[] = {

@@ -232,7 +232,7 @@ boost::shared_ptr<CSpriteCel> CSceneLoaderJson::parseSpriteCel(const QJN::Value&
             const QJN::Value arg = op["Oparg"];
             if (opcode == operation::PLAY_AUDIO) {
                 if (arg.isInt()) {
-                    oparg = arg.asUInt();
+                    oparg = static_cast<unsigned int>(arg.asInt());
                 } else if (arg.isArray()) {
                     Glib::ustring first, second;
                     if (arg.size() == 1) {
@@ -251,7 +251,7 @@ boost::shared_ptr<CSpriteCel> CSceneLoaderJson::parseSpriteCel(const QJN::Value&
                 }
             } else {
                 CHECK(arg.isInt(), "CSceneLoaderJson::parseSpriteCel Operation %d Oparg is not an int", n);
-                oparg = arg.asUInt();
+                oparg = static_cast<unsigned int>(arg.asInt());
             }
         }
         operation record;

@@ -78,7 +78,7 @@ void printOperations(const QJN::Value& cel)
             printf("\t\t\t\t\t<OperationOpargString1> %s </OperationOpargString1>\n", arg[0u].asString().c_str());
             printf("\t\t\t\t\t<OperationOpargString2> %s </OperationOpargString2>\n", arg[1u].asString().c_str());
         } else {
-            printf("\t\t\t\t\t<OperationOparg> %u </OperationOparg>\n", arg.asUInt() & 0xFFFF);
+            printf("\t\t\t\t\t<OperationOparg> %u </OperationOparg>\n", static_cast<unsigned int>(arg.asInt()) & 0xFFFF);
         }
         printf("\t\t\t\t</ActorOperationData>\n");
     }
