@@ -1,0 +1,210 @@
+#ifndef ZEPHRIN2D_CCHUNKDRAWLIST_H
+#define ZEPHRIN2D_CCHUNKDRAWLIST_H
+
+#include "CDrawChunk.h"
+#include "CDrawList.h"
+#include "CGraphicElement.h"
+#include "tVertexStream.h"
+
+#include <BaseUtils.h>
+
+#include <GLES/gl.h>
+#include <algorithm>
+#include <boost/weak_ptr.hpp>
+#include <stdint.h>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+/// What a chunk draw list keeps for each (element, chunk) pair it accepted.
+template <class Chunk>
+struct tChunkEntry
+{
+    /// The element whose matrix places the chunk.
+    boost::shared_ptr<CGraphicElement> element;
+    boost::shared_ptr<Chunk> chunk;
+    /// First vertex of the chunk in the list's vertex buffer.
+    uint16_t vertexOffset;
+    /// First index of the chunk in the list's index buffer (lists that draw indexed).
+    uint16_t indexOffset;
+    /// The vertices must be re-transformed and re-uploaded.
+    bool dirty;
+    /// The texture coordinates must be re-uploaded too.
+    bool texCoordsDirty;
+    /// Counts as accepted; a chunk changed in place afterwards cannot overrun the buffers.
+    uint16_t vertexCount;
+    uint16_t indexCount;
+    bool visible;
+    /// Element z plus the chunk's first vertex z, as of the last buffering.
+    int32_t depth;
+    /// Acceptance order: equal depths draw in it.
+    uint32_t order;
+};
+
+/// The bookkeeping every draw list of one GL texture shares: the accepted
+/// pairs in acceptance order (their vertices packed in that order in one
+/// vertex buffer), the visible ones in draw order, the hidden ones, a
+/// lookup by pair, and the vertex uploads, which rewrite only what changed.
+///
+/// Removed entries and lookup nodes are kept for the next add, so that a
+/// steady exchange of chunks (an actor changing cel) allocates nothing.
+/// Subclasses write an entry's vertices and draw.
+template <class Entry, class Chunk>
+class CChunkDrawList : public CDrawList
+{
+public:
+    typedef Entry tEntry;
+    /// The assertion texts of one kind of list.
+    struct tMessages
+    {
+        const char* file;
+        const char* noTexture;
+        const char* rewriteMismatch;
+        const char* dirtyMismatch;
+    };
+
+    ~CChunkDrawList() override { deleteVertexBuffers(); }
+
+    bool add(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) override;
+    bool remove(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) override;
+    bool show(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) override
+    {
+        return setVisible(element, chunk, true);
+    }
+    bool hide(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) override
+    {
+        return setVisible(element, chunk, false);
+    }
+    void markDirtyVertices(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) override
+    {
+        markDirty(element, chunk, false);
+    }
+    void shrink() override
+    {
+        mBufferedVertexCount = 0;
+        mVerticesDirty = true;
+    }
+    void clear() override;
+    void bufferVertices() override;
+    bool empty() override { return mEntries.empty(); }
+    bool isTranslucent() const override { return mTranslucent; }
+    bool contains(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) const override
+    {
+        return static_cast<bool>(find(element, chunk));
+    }
+
+    uint32_t getTextureId() const { return mTextureId; }
+    uint16_t getVertexCount() const { return mVertexCount; }
+    size_t getEntryCount() const { return mEntries.size(); }
+    size_t getVisibleEntryCount() const { return mSortedEntries.size(); }
+    size_t getHiddenEntryCount() const { return mHiddenEntries.size(); }
+
+protected:
+    /// A weak reference with what sorting and lookups need without locking it.
+    struct tEntryRef
+    {
+        boost::weak_ptr<tEntry> entry;
+        const tEntry* key;
+        int32_t depth;
+        uint32_t order;
+        uint16_t indexCount;
+    };
+    static constexpr size_t MAX_COUNT = 65535;
+
+    /// texCoords: whether the list keeps a texture-coordinate buffer beside the positions.
+    CChunkDrawList(const tMessages& messages, bool texCoords)
+        : mTranslucent(false), mHasTexture(false), mTextureId(0), mVertexBuffer(0), mTexCoordBuffer(0),
+          mBufferedVertexCount(0), mVertexCount(0), mVerticesDirty(false), mIndexCount(0), mHiddenIndexCount(0),
+          mIndicesDirty(false), mAlphaCursor(0), mOrderDirty(false), mSortedFrontToBack(false), mRewriteFrom(NONE),
+          mNextOrder(0), mMessages(messages), mTexCoords(texCoords)
+    {
+    }
+
+    /// Writes the entry's vertices, transformed, into the stream and clears
+    /// its dirty flags; false when the chunk no longer has the vertex count
+    /// it was accepted with.
+    virtual bool streamEntry(tVertexStream& stream, tEntry& entry) = 0;
+    /// Indices the chunk adds to the list (0 for lists that draw arrays).
+    virtual size_t indexCountOf(const Chunk& chunk) const = 0;
+    /// Called once a new entry is filled in.
+    virtual void entryAdded(tEntry&) {}
+
+    /// The pair's entry, or none.
+    boost::shared_ptr<tEntry> find(const boost::shared_ptr<CGraphicElement>& element,
+                                   const boost::shared_ptr<CDrawChunk>& chunk) const
+    {
+        typename tIndex::const_iterator it = mIndex.find(tPairKey(element.get(), chunk.get()));
+        return it == mIndex.end() ? boost::shared_ptr<tEntry>() : it->second;
+    }
+    void markDirty(const boost::shared_ptr<CGraphicElement>& element, const boost::shared_ptr<CDrawChunk>& chunk,
+                   bool texCoords);
+    /// Orders the visible entries by depth (ties by acceptance).
+    void sortEntries(bool frontToBack);
+    /// The first depth a translucent pass draws, after rewinding it.
+    int startAlphaPass()
+    {
+        mAlphaCursor = 0;
+        return mSortedEntries.empty() ? NO_MORE_DEPTHS : mSortedEntries[0].depth;
+    }
+    void deleteVertexBuffers();
+
+    bool mTranslucent;
+    bool mHasTexture;
+    uint32_t mTextureId;
+    GLuint mVertexBuffer;
+    GLuint mTexCoordBuffer;
+    uint16_t mBufferedVertexCount;
+    uint16_t mVertexCount;
+    bool mVerticesDirty;
+    /// Indices of the chunks of visible and of hidden elements.
+    uint16_t mIndexCount;
+    uint16_t mHiddenIndexCount;
+    bool mIndicesDirty;
+    std::vector<boost::shared_ptr<tEntry> > mEntries;
+    std::vector<tEntryRef> mSortedEntries;
+    std::vector<tEntryRef> mHiddenEntries;
+    size_t mAlphaCursor;
+    /// The sorted entries must be re-sorted (a depth, the membership or the direction changed).
+    bool mOrderDirty;
+    bool mSortedFrontToBack;
+
+private:
+    typedef std::pair<const void*, const void*> tPairKey;
+    struct tPairHash
+    {
+        size_t operator()(const tPairKey& k) const
+        {
+            const size_t a = reinterpret_cast<size_t>(k.first);
+            const size_t b = reinterpret_cast<size_t>(k.second);
+            return a ^ (b * 0x9E3779B97F4A7C15ull) ^ (b >> 7);
+        }
+    };
+    typedef std::unordered_map<tPairKey, boost::shared_ptr<tEntry>, tPairHash> tIndex;
+    static constexpr size_t NONE = static_cast<size_t>(-1);
+    /// Spare entries and lookup nodes a list keeps at most.
+    static constexpr size_t MAX_SPARES = 1024;
+
+    static int32_t depthOf(const tEntry& e);
+    static tEntryRef refTo(const boost::shared_ptr<tEntry>& entry);
+    static void eraseRef(std::vector<tEntryRef>& refs, const tEntry* key);
+    bool holdsTexture(const boost::shared_ptr<CDrawChunk>& chunk) const;
+    bool setVisible(const boost::shared_ptr<CGraphicElement>& element, const boost::shared_ptr<CDrawChunk>& chunk,
+                    bool visible);
+    void uploadVertices(size_t firstEntry, bool allocate);
+    void uploadDirtyVertices();
+    /// Streams the entry and takes its new depth.
+    bool restream(tVertexStream& stream, tEntry& e);
+
+    /// Entries from this one on moved in the vertex buffer and are rewritten whole.
+    size_t mRewriteFrom;
+    uint32_t mNextOrder;
+    tIndex mIndex;
+    std::vector<boost::shared_ptr<tEntry> > mSpareEntries;
+    std::vector<typename tIndex::node_type> mSpareNodes;
+    tMessages mMessages;
+    bool mTexCoords;
+};
+
+#include "CChunkDrawList.inl"
+
+#endif

@@ -1,0 +1,326 @@
+// Member definitions of the CChunkDrawList template, included by its header.
+
+template <class Entry, class Chunk>
+int32_t CChunkDrawList<Entry, Chunk>::depthOf(const tEntry& e)
+{
+    const std::vector<tVect3>& v = e.chunk->getVertices();
+    const int32_t z = (e.element->getZ() + (v.empty() ? ZERO_X : v[0].z)).raw();
+    // The largest value means "no more depths" to the draw manager.
+    return z < NO_MORE_DEPTHS ? z : NO_MORE_DEPTHS - 1;
+}
+
+template <class Entry, class Chunk>
+typename CChunkDrawList<Entry, Chunk>::tEntryRef
+CChunkDrawList<Entry, Chunk>::refTo(const boost::shared_ptr<tEntry>& entry)
+{
+    tEntryRef ref;
+    ref.entry = entry;
+    ref.key = entry.get();
+    ref.depth = entry->depth;
+    ref.order = entry->order;
+    ref.indexCount = entry->indexCount;
+    return ref;
+}
+
+template <class Entry, class Chunk>
+void CChunkDrawList<Entry, Chunk>::eraseRef(std::vector<tEntryRef>& refs, const tEntry* key)
+{
+    for (size_t i = 0; i < refs.size(); ++i)
+        if (refs[i].key == key) {
+            refs.erase(refs.begin() + i);
+            return;
+        }
+}
+
+template <class Entry, class Chunk>
+bool CChunkDrawList<Entry, Chunk>::holdsTexture(const boost::shared_ptr<CDrawChunk>& chunk) const
+{
+    const Chunk* typed = dynamic_cast<const Chunk*>(chunk.get());
+    return typed && mHasTexture && typed->getTextureId() == mTextureId;
+}
+
+template <class Entry, class Chunk>
+bool CChunkDrawList<Entry, Chunk>::restream(tVertexStream& stream, tEntry& e)
+{
+    const bool countMatches = streamEntry(stream, e);
+    const int32_t depth = depthOf(e);
+    if (depth != e.depth) {
+        e.depth = depth;
+        mOrderDirty = mOrderDirty || e.visible;
+    }
+    return countMatches;
+}
+
+template <class Entry, class Chunk>
+bool CChunkDrawList<Entry, Chunk>::add(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk)
+{
+    boost::shared_ptr<Chunk> typed = boost::dynamic_pointer_cast<Chunk>(chunk);
+    if (!element || !typed)
+        return false;
+    if (mHasTexture && (typed->getTextureId() != mTextureId || typed->isTranslucent() != mTranslucent))
+        return false;
+    if (find(element, chunk))
+        return true;
+    const size_t vertexCount = typed->getVertices().size();
+    const size_t indexCount = indexCountOf(*typed);
+    if (mVertexCount + vertexCount > MAX_COUNT || mIndexCount + mHiddenIndexCount + indexCount > MAX_COUNT)
+        return false;
+    if (!mHasTexture) {
+        BaseUtils::Assert(typed->getTextureId() != 0, mMessages.file, __LINE__, mMessages.noTexture);
+        mTextureId = typed->getTextureId();
+        mTranslucent = typed->isTranslucent();
+        mHasTexture = true;
+    }
+
+    boost::shared_ptr<tEntry> entry;
+    if (!mSpareEntries.empty()) {
+        entry = mSpareEntries.back();
+        mSpareEntries.pop_back();
+    } else {
+        entry.reset(new tEntry());
+    }
+    entry->element = element;
+    entry->chunk = typed;
+    entry->vertexOffset = mVertexCount;
+    entry->indexOffset = 0;
+    entry->dirty = true;
+    entry->texCoordsDirty = true;
+    entry->vertexCount = static_cast<uint16_t>(vertexCount);
+    entry->indexCount = static_cast<uint16_t>(indexCount);
+    entry->visible = element->getVisibility();
+    entry->depth = depthOf(*entry);
+    entry->order = mNextOrder++;
+    entryAdded(*entry);
+    mEntries.push_back(entry);
+    const tPairKey key(element.get(), chunk.get());
+    if (!mSpareNodes.empty()) {
+        mSpareNodes.back().key() = key;
+        mSpareNodes.back().mapped() = entry;
+        mIndex.insert(std::move(mSpareNodes.back()));
+        mSpareNodes.pop_back();
+    } else {
+        mIndex[key] = entry;
+    }
+    mVertexCount = static_cast<uint16_t>(mVertexCount + vertexCount);
+    if (entry->visible) {
+        mSortedEntries.push_back(refTo(entry));
+        mIndexCount = static_cast<uint16_t>(mIndexCount + indexCount);
+        mOrderDirty = true;
+    } else {
+        mHiddenEntries.push_back(refTo(entry));
+        mHiddenIndexCount = static_cast<uint16_t>(mHiddenIndexCount + indexCount);
+    }
+    chunk->setDrawList(weak_from_this());
+    mVerticesDirty = true;
+    mIndicesDirty = true;
+    return true;
+}
+
+template <class Entry, class Chunk>
+bool CChunkDrawList<Entry, Chunk>::remove(boost::shared_ptr<CGraphicElement> element,
+                                          boost::shared_ptr<CDrawChunk> chunk)
+{
+    if (!holdsTexture(chunk))
+        return false;
+    boost::shared_ptr<tEntry> entry = find(element, chunk);
+    if (!entry)
+        return false;
+    mVertexCount = static_cast<uint16_t>(mVertexCount - entry->vertexCount);
+    if (entry->visible) {
+        mIndexCount = static_cast<uint16_t>(mIndexCount - entry->indexCount);
+        eraseRef(mSortedEntries, entry.get());
+    } else {
+        mHiddenIndexCount = static_cast<uint16_t>(mHiddenIndexCount - entry->indexCount);
+        eraseRef(mHiddenEntries, entry.get());
+    }
+    const tPairKey key(element.get(), chunk.get());
+    if (mSpareNodes.size() < MAX_SPARES) {
+        mSpareNodes.push_back(mIndex.extract(key));
+        mSpareNodes.back().mapped().reset();
+    } else {
+        mIndex.erase(key);
+    }
+
+    // The entries after it close the gap: their vertices move down and are rewritten.
+    bool chunkStillHeld = false;
+    size_t position = NONE;
+    for (size_t i = 0; i < mEntries.size(); ++i) {
+        if (mEntries[i] == entry)
+            position = i;
+        else if (position != NONE)
+            mEntries[i]->vertexOffset = static_cast<uint16_t>(mEntries[i]->vertexOffset - entry->vertexCount);
+        if (mEntries[i] != entry && mEntries[i]->chunk == chunk)
+            chunkStillHeld = true;
+    }
+    mEntries.erase(mEntries.begin() + position);
+    if (entry.use_count() == 1 && mSpareEntries.size() < MAX_SPARES) {
+        entry->element.reset();
+        entry->chunk.reset();
+        mSpareEntries.push_back(entry);
+    }
+    if (position < mEntries.size()) {
+        mRewriteFrom = std::min(mRewriteFrom, position);
+        mVerticesDirty = true;
+    } else if (mRewriteFrom != NONE && mRewriteFrom >= mEntries.size()) {
+        mRewriteFrom = NONE;
+    }
+    if (!chunkStillHeld && chunk->getDrawList().lock().get() == this)
+        chunk->setDrawList(boost::weak_ptr<CDrawList>());
+    mIndicesDirty = true;
+    return true;
+}
+
+template <class Entry, class Chunk>
+bool CChunkDrawList<Entry, Chunk>::setVisible(const boost::shared_ptr<CGraphicElement>& element,
+                                              const boost::shared_ptr<CDrawChunk>& chunk, bool visible)
+{
+    if (!holdsTexture(chunk))
+        return false;
+    boost::shared_ptr<tEntry> entry = find(element, chunk);
+    if (!entry)
+        return false;
+    if (entry->visible == visible)
+        return true;
+    entry->visible = visible;
+    if (visible) {
+        eraseRef(mHiddenEntries, entry.get());
+        mSortedEntries.push_back(refTo(entry));
+        mHiddenIndexCount = static_cast<uint16_t>(mHiddenIndexCount - entry->indexCount);
+        mIndexCount = static_cast<uint16_t>(mIndexCount + entry->indexCount);
+        mOrderDirty = true;
+    } else {
+        eraseRef(mSortedEntries, entry.get());
+        mHiddenEntries.push_back(refTo(entry));
+        mIndexCount = static_cast<uint16_t>(mIndexCount - entry->indexCount);
+        mHiddenIndexCount = static_cast<uint16_t>(mHiddenIndexCount + entry->indexCount);
+    }
+    mIndicesDirty = true;
+    return true;
+}
+
+template <class Entry, class Chunk>
+void CChunkDrawList<Entry, Chunk>::markDirty(const boost::shared_ptr<CGraphicElement>& element,
+                                             const boost::shared_ptr<CDrawChunk>& chunk, bool texCoords)
+{
+    boost::shared_ptr<tEntry> entry = find(element, chunk);
+    if (!entry)
+        return;
+    entry->dirty = true;
+    entry->texCoordsDirty = entry->texCoordsDirty || texCoords;
+    mVerticesDirty = true;
+}
+
+template <class Entry, class Chunk>
+void CChunkDrawList<Entry, Chunk>::clear()
+{
+    for (size_t i = 0; i < mEntries.size(); ++i)
+        if (mEntries[i]->chunk->getDrawList().lock().get() == this)
+            mEntries[i]->chunk->setDrawList(boost::weak_ptr<CDrawList>());
+    mEntries.clear();
+    mIndex.clear();
+    mSpareEntries.clear();
+    mSpareNodes.clear();
+    mSortedEntries.clear();
+    mHiddenEntries.clear();
+    mAlphaCursor = 0;
+    mVertexCount = 0;
+    mIndexCount = 0;
+    mHiddenIndexCount = 0;
+    mRewriteFrom = NONE;
+    deleteVertexBuffers();
+    mBufferedVertexCount = 0;
+    mVerticesDirty = false;
+    mIndicesDirty = false;
+}
+
+template <class Entry, class Chunk>
+void CChunkDrawList<Entry, Chunk>::deleteVertexBuffers()
+{
+    if (mVertexBuffer)
+        glDeleteBuffers(1, &mVertexBuffer);
+    if (mTexCoordBuffer)
+        glDeleteBuffers(1, &mTexCoordBuffer);
+    mVertexBuffer = 0;
+    mTexCoordBuffer = 0;
+}
+
+template <class Entry, class Chunk>
+void CChunkDrawList<Entry, Chunk>::bufferVertices()
+{
+    if (!mVertexBuffer) {
+        glGenBuffers(1, &mVertexBuffer);
+        if (mTexCoords)
+            glGenBuffers(1, &mTexCoordBuffer);
+    }
+    if (mBufferedVertexCount < mVertexCount) {
+        uploadVertices(0, true);
+        mBufferedVertexCount = mVertexCount;
+    } else {
+        if (mRewriteFrom < mEntries.size())
+            uploadVertices(mRewriteFrom, false);
+        uploadDirtyVertices();
+    }
+    mRewriteFrom = NONE;
+    mVerticesDirty = false;
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
+}
+
+template <class Entry, class Chunk>
+void CChunkDrawList<Entry, Chunk>::uploadVertices(size_t firstEntry, bool allocate)
+{
+    size_t expected = 0;
+    size_t written = 0;
+    bool countsMatch = true;
+    {
+        tVertexStream stream(mVertexBuffer, mTexCoordBuffer);
+        const size_t start = firstEntry < mEntries.size() ? mEntries[firstEntry]->vertexOffset : mVertexCount;
+        expected = mVertexCount - start;
+        if (allocate)
+            stream.allocate(mVertexCount);
+        stream.seek(start, mTexCoords);
+        for (size_t i = firstEntry; i < mEntries.size(); ++i) {
+            countsMatch = restream(stream, *mEntries[i]) && countsMatch;
+            written += mEntries[i]->vertexCount;
+        }
+    }
+    BaseUtils::Assert(countsMatch && written == expected, mMessages.file, __LINE__, mMessages.rewriteMismatch);
+}
+
+template <class Entry, class Chunk>
+void CChunkDrawList<Entry, Chunk>::uploadDirtyVertices()
+{
+    bool countsMatch = true;
+    {
+        tVertexStream stream(mVertexBuffer, mTexCoordBuffer);
+        for (size_t i = 0; i < mEntries.size(); ++i) {
+            tEntry& e = *mEntries[i];
+            if (!e.dirty)
+                continue;
+            stream.seek(e.vertexOffset, mTexCoords && e.texCoordsDirty);
+            countsMatch = restream(stream, e) && countsMatch;
+        }
+    }
+    BaseUtils::Assert(countsMatch, mMessages.file, __LINE__, mMessages.dirtyMismatch);
+}
+
+template <class Entry, class Chunk>
+void CChunkDrawList<Entry, Chunk>::sortEntries(bool frontToBack)
+{
+    for (size_t i = 0; i < mSortedEntries.size(); ++i) {
+        boost::shared_ptr<tEntry> e = mSortedEntries[i].entry.lock();
+        if (e) {
+            mSortedEntries[i].depth = e->depth;
+            mSortedEntries[i].order = e->order;
+        }
+    }
+    if (frontToBack)
+        std::sort(mSortedEntries.begin(), mSortedEntries.end(), [](const tEntryRef& a, const tEntryRef& b) {
+            return a.depth != b.depth ? a.depth > b.depth : a.order < b.order;
+        });
+    else
+        std::sort(mSortedEntries.begin(), mSortedEntries.end(), [](const tEntryRef& a, const tEntryRef& b) {
+            return a.depth != b.depth ? a.depth < b.depth : a.order < b.order;
+        });
+    mOrderDirty = false;
+    mSortedFrontToBack = frontToBack;
+}
