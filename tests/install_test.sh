@@ -32,3 +32,13 @@ for program in "$work/pkg-config/minimal" "$work/cmake/minimal"; do
     echo "== $program"
     LD_LIBRARY_PATH=$libdir "$program" || fail "$program exited with $?"
 done
+
+# A moved tree still finds its art beside the library, not where it was installed.
+echo "== moved tree"
+PKG_CONFIG_PATH=$libdir/pkgconfig c++ -std=c++17 -o "$work/art_dir" "$source/tests/install/art_dir.cpp" \
+    $(PKG_CONFIG_PATH=$libdir/pkgconfig pkg-config --cflags --libs zephrin2d) || fail "building art_dir failed"
+mv "$prefix" "$work/moved"
+moved_libdir=$work/moved${libdir#"$prefix"}
+found=$(LD_LIBRARY_PATH=$moved_libdir "$work/art_dir") || fail "art_dir exited with $?"
+[ "$(realpath "$found")" = "$(realpath "$work/moved/share/zephrin2d/art")" ] ||
+    fail "the moved tree's art was looked for in $found"

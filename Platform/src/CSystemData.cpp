@@ -1,6 +1,7 @@
 #include "SystemData.h"
 
 #include <cstdlib>
+#include <dlfcn.h>
 #include <sys/stat.h>
 
 CSystemData* CSystemData::mInstance = 0;
@@ -11,6 +12,20 @@ bool exists(const std::string& path)
 {
     struct stat info;
     return !path.empty() && stat(path.c_str(), &info) == 0 && !S_ISDIR(info.st_mode);
+}
+
+/// The art directory beside this library's own file, so that an installed
+/// tree still finds its art after being moved.
+std::string artBesideLibrary()
+{
+    Dl_info info;
+    if (!dladdr(reinterpret_cast<void*>(&artBesideLibrary), &info) || !info.dli_fname)
+        return std::string();
+    const std::string library = info.dli_fname;
+    const size_t slash = library.rfind('/');
+    if (slash == std::string::npos)
+        return std::string();
+    return library.substr(0, slash + 1) + ZEPHRIN2D_ART_DIR_FROM_LIBRARY;
 }
 
 void appendEnvironmentList(const char* variable, std::vector<Glib::ustring>& dirs)
@@ -89,9 +104,10 @@ void CSystemData::ClearPaths()
 
 Glib::ustring CSystemData::GetLibraryArtDirectory() const
 {
-    static const std::string installed = ZEPHRIN2D_INSTALLED_ART_DIR;
-    if (exists(installed + "/missingAsset.png"))
-        return installed;
+    static const std::string candidates[] = {artBesideLibrary(), ZEPHRIN2D_INSTALLED_ART_DIR};
+    for (const std::string& dir : candidates)
+        if (exists(dir + "/missingAsset.png"))
+            return dir;
     return ZEPHRIN2D_SOURCE_ART_DIR;
 }
 
