@@ -52,6 +52,19 @@ TEST(ActorManagerTest, UpdateAndDrawPerEntry)
     }
 }
 
+TEST(ActorManagerTest, RemovingAnEmptyReferenceDropsEmptyEntries)
+{
+    CActorManager manager;
+    tActor actor = boost::make_shared<CountingActor>();
+    manager.add(boost::shared_ptr<CBaseActor>());
+    manager.add(actor);
+    manager.add(boost::shared_ptr<CBaseActor>());
+    EXPECT_TRUE(manager.remove(boost::shared_ptr<CBaseActor>()));
+    EXPECT_EQ(manager.size(), 1u);
+    manager.update(16);
+    EXPECT_EQ(actor->updates, 1);
+}
+
 TEST(ActorManagerTest, OrderAndOwnership)
 {
     std::vector<int> order;

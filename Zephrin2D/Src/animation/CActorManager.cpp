@@ -22,7 +22,7 @@ bool CActorManager::remove(boost::shared_ptr<CBaseActor> actor)
 {
     CBaseActor* target = actor.get();
     for (std::list<boost::shared_ptr<CBaseActor> >::iterator it = mActors.begin(); it != mActors.end();) {
-        if (it->get() != target || !target) {
+        if (it->get() != target) {
             ++it;
         } else if (mWalkDepth > 0) {
             // The walk may stand on this entry: empty it now, erase it when the walk is over.
