@@ -157,7 +157,7 @@ void AvatarCostume::addFromJson(const Glib::ustring& path, int* lods, int count)
         mapped.push_back(m);
     }
 
-    debug().DebugOut(3, "loading LODs... (%d total)\n", static_cast<int>(lodList.size()));
+    debug().DebugOut(5, "loading LODs... (%d total)\n", static_cast<int>(lodList.size()));
     for (unsigned int i = 0; i < lodList.size(); ++i) {
         const QJN::Value lodValue = lodList[i];
         const int size = lodValue["Size"].asInt();
