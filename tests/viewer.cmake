@@ -6,3 +6,12 @@ add_test(NAME viewer-window-matches-render
     $<TARGET_FILE:z2d-imgdiff> ${CMAKE_CURRENT_SOURCE_DIR}/data/scenes/still.json ${PROJECT_SOURCE_DIR}/examples/art/
     ${CMAKE_CURRENT_BINARY_DIR}/viewer)
 set_tests_properties(viewer-window-matches-render PROPERTIES LABELS tools SKIP_RETURN_CODE 77 TIMEOUT 120)
+
+# The viewer's keys, sent to its window as a user would press them.
+add_executable(z2d-xwin ${CMAKE_CURRENT_SOURCE_DIR}/tools/xwin.cpp)
+target_link_libraries(z2d-xwin PRIVATE PkgConfig::X11)
+add_test(NAME viewer-keys
+  COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/viewer_keys_test.sh $<TARGET_FILE:zephrin2d-view> $<TARGET_FILE:zephrin2d-render>
+    $<TARGET_FILE:z2d-imgdiff> $<TARGET_FILE:z2d-xwin> ${CMAKE_CURRENT_SOURCE_DIR}/data/scenes/blink.json
+    ${PROJECT_SOURCE_DIR}/examples/art/ ${CMAKE_CURRENT_BINARY_DIR}/viewer-keys)
+set_tests_properties(viewer-keys PROPERTIES LABELS tools SKIP_RETURN_CODE 77 TIMEOUT 120)
