@@ -33,12 +33,6 @@ public:
     void draw(tColor*) override {}
 };
 
-const tColor RED = {255, 0, 0, 255};
-const tColor GREEN = {0, 255, 0, 255};
-const tColor BLUE = {0, 0, 255, 255};
-// The clear colour as it reads back: its alpha 1.0 is shifted into 8 bits, not scaled.
-const tColor BLACK = {0, 0, 0, 254};
-
 class ActorDrawTest : public GLTest
 {
 protected:
@@ -68,12 +62,6 @@ protected:
         Quad quad(texture, x, y, size, size);
         tActor2DFrameStruct frame = {duration, {}, {}, quad.getChunks()};
         return frame;
-    }
-
-    static void frame()
-    {
-        CGraphics2D::Instance()->clearBuffer();
-        CDrawManager::Instance()->drawAll();
     }
 
     /// Entries of the textured list for this GL texture (0 when it has none).

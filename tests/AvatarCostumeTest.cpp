@@ -124,7 +124,7 @@ TEST_F(AvatarCostumeTest, BrokenFilesLoadWhatTheyCan)
         AssertCapture asserts;
         DebugCapture debug;
         const std::string path = dir + "/broken.json";
-        std::ofstream(path) << c.text;
+        writeFile(path, c.text);
         AvatarCostume costume;
         costume.addFromJson(path, nullptr, 0);
         costume.getAvatarTexturePiece("a", "b");

@@ -88,8 +88,7 @@ TEST_F(AvatarPieceTest, SameOnScreenSizeAtEveryLOD)
     for (const auto& c : cases) {
         costume->setLOD(c.lod);
         EXPECT_EQ(piece->getLODSize(), c.lod) << "pieces follow the costume's LOD";
-        CGraphics2D::Instance()->clearBuffer();
-        CDrawManager::Instance()->drawAll();
+        frame();
         tExtent e = extent();
         EXPECT_EQ(e.centre, c.colour) << "LOD " << c.lod;
         EXPECT_EQ(e.left, 14) << "LOD " << c.lod;

@@ -7,16 +7,10 @@
 #include "CGraphics2D.h"
 #include "CTextureSheet.h"
 
-#include <fstream>
 
 using namespace DrawTest;
 
 namespace {
-
-const tColor BLACK = {0, 0, 0, 254};  // the clear colour as it lands
-const tColor RED = {255, 0, 0, 255};
-const tColor GREEN = {0, 255, 0, 255};
-const tColor BLUE = {0, 0, 255, 255};
 
 tFixed F(int v) { return tFixed(v); }
 tFixed raw(int32_t v) { return tFixed::fromRaw(v); }
@@ -27,12 +21,6 @@ protected:
     static boost::shared_ptr<CTexturedChunk> chunkOf(CBillboard& b)
     {
         return boost::dynamic_pointer_cast<CTexturedChunk>(b.getChunks().at(0));
-    }
-
-    void frame()
-    {
-        CGraphics2D::Instance()->clearBuffer();
-        CDrawManager::Instance()->drawAll();
     }
 };
 
@@ -224,8 +212,8 @@ TEST_F(BillboardTest, SheetPictureLandsOnItsRegistrationPoint)
             p[0] = c.r, p[1] = c.g, p[2] = c.b, p[3] = 255;
         }
     ASSERT_TRUE(ImageIO::writePNG(dir + "/bitmap.png", bitmap));
-    std::ofstream(dir + "/sheet.json") << R"({"ImageData": [{"Bitmap": "bitmap.png", "Images": [
-        {"Name": "hero", "P1": [16, 0], "P2": [48, 16], "RegPoint": [8, 4], "CropRect": [2, 0, 0, 3]}]}]})";
+    writeFile(dir + "/sheet.json", R"({"ImageData": [{"Bitmap": "bitmap.png", "Images": [
+        {"Name": "hero", "P1": [16, 0], "P2": [48, 16], "RegPoint": [8, 4], "CropRect": [2, 0, 0, 3]}]}]})");
     CTextureSheet sheet(dir + "/sheet.json");
 
     DebugCapture debug;

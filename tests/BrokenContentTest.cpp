@@ -207,8 +207,7 @@ protected:
             actor->update(1000);
             loaded = static_cast<int>(actor->getCelCount());
         }
-        CGraphics2D::Instance()->clearBuffer();
-        CDrawManager::Instance()->drawAll();
+        frame();
         return loaded;
     }
 

@@ -4,18 +4,8 @@
 
 #include <QJN.h>
 
-#include <fstream>
-#include <sstream>
 
 namespace {
-
-std::string readFile(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream ss;
-    ss << in.rdbuf();
-    return ss.str();
-}
 
 TEST(ContentDumpTest, DemoActorAndCostumeDumpAsExpected)
 {

@@ -27,12 +27,6 @@ protected:
         GLTest::TearDown();
     }
 
-    void drawFrame()
-    {
-        CGraphics2D::Instance()->clearBuffer();
-        CDrawManager::Instance()->drawAll();
-    }
-
     std::unique_ptr<tDemoScene> scene;
 };
 
@@ -71,7 +65,7 @@ TEST_F(DemoSceneTest, FramesMatchTheGoldenImages)
     for (const auto& f : frames) {
         for (; at < f.frame; ++at)
             stepDemoScene(*scene, DEMO_FRAME_MS);
-        drawFrame();
+        frame();
         SCOPED_TRACE(f.golden);
         // Text glyphs may differ by a few pixels between font versions.
         expectMatchesGolden(f.golden, 2, 40);

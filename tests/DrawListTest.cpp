@@ -12,10 +12,6 @@ using namespace DrawTest;
 
 namespace {
 
-const tColor RED = {255, 0, 0, 255};
-const tColor BLUE = {0, 0, 255, 255};
-const tColor BLACK = {0, 0, 0, 254};  // the clear colour as it lands
-
 class DrawListTest : public GLTest
 {
 protected:
@@ -24,12 +20,6 @@ protected:
     CTexturedDrawList* opaqueList(size_t i)
     {
         return dynamic_cast<CTexturedDrawList*>(manager()->getOpaqueLists().at(i).get());
-    }
-
-    void frame()
-    {
-        CGraphics2D::Instance()->clearBuffer();
-        manager()->drawAll();
     }
 
     /// Recorded uploads of one kind to one target.

@@ -12,20 +12,10 @@ using namespace DrawTest;
 
 namespace {
 
-const tColor BLACK = {0, 0, 0, 254};  // the clear colour as it lands
-const tColor RED = {255, 0, 0, 255};
-const tColor BLUE = {0, 0, 255, 255};
-
 class DrawManagerTest : public GLTest
 {
 protected:
     CDrawManager* manager() { return CDrawManager::Instance(); }
-
-    void frame()
-    {
-        CGraphics2D::Instance()->clearBuffer();
-        manager()->drawAll();
-    }
 
     /// For each glDrawElements recorded: the texture bound at that moment and the index count.
     static std::vector<std::pair<long, long> > drawsWithTextures()

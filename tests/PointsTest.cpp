@@ -14,9 +14,6 @@ using namespace DrawTest;
 
 namespace {
 
-const tColor BLACK = {0, 0, 0, 254};  // the clear colour as it lands
-const tColor RED = {255, 0, 0, 255};
-
 tVect3 P(int x, int y, int z = 0) { return tVect3{tFixed(x), tFixed(y), tFixed(z)}; }
 
 class PointsTest : public GLTest
@@ -37,12 +34,6 @@ protected:
     static boost::shared_ptr<CPointSpriteChunk> chunkOf(CGraphicPoints& p)
     {
         return boost::dynamic_pointer_cast<CPointSpriteChunk>(p.getChunks().at(0));
-    }
-
-    void frame()
-    {
-        CGraphics2D::Instance()->clearBuffer();
-        CDrawManager::Instance()->drawAll();
     }
 };
 

@@ -11,8 +11,6 @@
 
 #include <Dataset.h>
 
-#include <fstream>
-#include <iterator>
 #include <sstream>
 
 namespace {
@@ -60,31 +58,18 @@ protected:
         GLTest::SetUp();
         dir = scratchDir("dset");
         // Image names in actor files are relative to the file: keep the art beside it.
-        for (const char* t : kTextures) {
-            std::ifstream in(examplesPath(std::string("art/") + t), std::ios::binary);
-            std::ofstream(dir + "/" + t, std::ios::binary) << in.rdbuf();
-        }
+        for (const char* t : kTextures)
+            copyFile(examplesPath(std::string("art/") + t), dir + "/" + t);
     }
 
     std::string compile(const std::string& name, const std::string& json)
     {
         const std::string base = dir + "/" + name;
-        std::ofstream(base + ".json") << json;
+        writeFile(base + ".json", json);
         std::string error;
         DsetCompiler::tKind kind;
         EXPECT_TRUE(DsetCompiler::compileFile(base + ".json", base, kind, error)) << error;
         return base;
-    }
-
-    std::vector<uint8_t> readBytes(const std::string& path)
-    {
-        std::ifstream in(path, std::ios::binary);
-        return std::vector<uint8_t>(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    }
-
-    void writeBytes(const std::string& path, const std::vector<uint8_t>& bytes)
-    {
-        std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     }
 
     std::string dir;
@@ -144,8 +129,8 @@ TEST_F(SceneLoaderDsetTest, PathsAndExtensions)
 TEST_F(SceneLoaderDsetTest, BrokenDatasetsAreRefused)
 {
     const std::string base = compile("good", generatedActor(6));
-    const std::vector<uint8_t> good = readBytes(base + ".dsetBin");
-    const std::vector<uint8_t> relink = readBytes(base + ".relinkBin");
+    const std::string good = readFile(base + ".dsetBin");
+    const std::string relink = readFile(base + ".relinkBin");
     uint32_t root;
     memcpy(&root, &good[8], 4);
     const uint32_t celsField = root + offsetof(tDsetActor, cels);
@@ -155,40 +140,40 @@ TEST_F(SceneLoaderDsetTest, BrokenDatasetsAreRefused)
     struct tCase
     {
         const char* name;
-        std::function<void(std::vector<uint8_t>&, std::vector<uint8_t>&)> damage;
+        std::function<void(std::string&, std::string&)> damage;
     };
     const tCase cases[] = {
-        {"truncated", [](std::vector<uint8_t>& d, std::vector<uint8_t>&) { d.resize(d.size() / 2); }},
-        {"header only", [](std::vector<uint8_t>& d, std::vector<uint8_t>&) { d.resize(12); }},
-        {"pointer past the end", [&](std::vector<uint8_t>& d, std::vector<uint8_t>&) {
+        {"truncated", [](std::string& d, std::string&) { d.resize(d.size() / 2); }},
+        {"header only", [](std::string& d, std::string&) { d.resize(12); }},
+        {"pointer past the end", [&](std::string& d, std::string&) {
              const uint32_t far = static_cast<uint32_t>(d.size()) + 64;
              memcpy(&d[celsField], &far, 4);
          }},
-        {"cel count past the end", [&](std::vector<uint8_t>& d, std::vector<uint8_t>&) {
+        {"cel count past the end", [&](std::string& d, std::string&) {
              const uint32_t many = 1000000;
              memcpy(&d[root + offsetof(tDsetActor, celCount)], &many, 4);
          }},
-        {"billboard count past the end", [&](std::vector<uint8_t>& d, std::vector<uint8_t>&) {
+        {"billboard count past the end", [&](std::string& d, std::string&) {
              const uint32_t many = 0x7FFFFFFF;
              memcpy(&d[firstCel + offsetof(tDsetSpriteCel, billboardCount)], &many, 4);
          }},
-        {"operation count wraps", [&](std::vector<uint8_t>& d, std::vector<uint8_t>&) {
+        {"operation count wraps", [&](std::string& d, std::string&) {
              const uint32_t many = 0xFFFFFFFF;
              memcpy(&d[firstCel + offsetof(tDsetSpriteCel, operationCount)], &many, 4);
          }},
-        {"not an actor", [&](std::vector<uint8_t>& d, std::vector<uint8_t>&) { d[root] ^= 0xFF; }},
-        {"relink offset outside", [](std::vector<uint8_t>& d, std::vector<uint8_t>& r) {
+        {"not an actor", [&](std::string& d, std::string&) { d[root] ^= 0xFF; }},
+        {"relink offset outside", [](std::string& d, std::string& r) {
              const uint32_t far = static_cast<uint32_t>(d.size());
-             r.insert(r.end(), reinterpret_cast<const uint8_t*>(&far), reinterpret_cast<const uint8_t*>(&far) + 4);
+             r.append(reinterpret_cast<const char*>(&far), 4);
          }},
-        {"missing relink file", [](std::vector<uint8_t>&, std::vector<uint8_t>& r) { r.clear(); r.push_back(1); }},
+        {"missing relink file", [](std::string&, std::string& r) { r.clear(); r.push_back(1); }},
     };
     for (const tCase& c : cases) {
-        std::vector<uint8_t> d = good, r = relink;
+        std::string d = good, r = relink;
         c.damage(d, r);
         const std::string path = dir + "/broken.dsetBin";
-        writeBytes(path, d);
-        writeBytes(dir + "/broken.relinkBin", r);
+        writeFile(path, d);
+        writeFile(dir + "/broken.relinkBin", r);
         if (std::string(c.name) == "missing relink file")
             std::remove((dir + "/broken.relinkBin").c_str());
         AssertCapture asserts;

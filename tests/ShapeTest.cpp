@@ -29,10 +29,6 @@ tRaw px(int x, int y) { return tRaw(x * 65536, y * 65536); }
 
 tVect2 v2(int x, int y) { return tVect2{tFixed(x), tFixed(y)}; }
 
-const tColor kRed{255, 0, 0, 255};
-const tColor kGreen{0, 255, 0, 255};
-const tColor kBlue{0, 0, 255, 255};
-
 TEST(ShapeGeometry, CircleStartsAtTheTopAndTurnsCounterClockwise)
 {
     CGraphicCircle circle;
@@ -104,7 +100,7 @@ TEST(ShapeChecks, OutOfRangeIndexIsReportedAndHarmless)
         {"CGraphicShape::setVertexN vertexIndex out of bounds", [&] { rect.setVertexN(4, v2(5, 5)); }},
         {"CGraphicShape::getVertexN vertexIndex out of bounds", [&] { EXPECT_EQ(rect.getVertexN(4), VECT2_0); }},
         {"CGraphicShape::moveVertexNBy vertexIndex out of bounds", [&] { rect.moveVertexNBy(0xFFFFFFFFu, v2(5, 5)); }},
-        {"CGraphicShape::setColorN colorIndex out of bounds", [&] { rect.setColorN(4, kRed); }},
+        {"CGraphicShape::setColorN colorIndex out of bounds", [&] { rect.setColorN(4, RED); }},
         {"CGraphicShape::setColorN colorIndex out of bounds",
          [&] { EXPECT_EQ(rect.getColorN(7), (tColor{0, 0, 0, 0})); }},
     };
@@ -139,11 +135,11 @@ TEST(ShapeChecks, OuterColourSparesTheCentre)
         circle.setColorArray(nullptr);
         AssertCapture asserts;
         if (count)
-            circle.setColorN(0, kBlue);
-        circle.setOuterColor(kRed);
+            circle.setColorN(0, BLUE);
+        circle.setOuterColor(RED);
         EXPECT_TRUE(asserts.entries().empty()) << count;
         for (int i = 0; i < count; ++i)
-            EXPECT_EQ(circle.getColorN(i), i ? kRed : kBlue) << count;
+            EXPECT_EQ(circle.getColorN(i), i ? RED : BLUE) << count;
     }
 }
 
@@ -159,7 +155,7 @@ TEST(ShapeDeathTest, MissingArrayStopsAfterTheReport)
         {"CGraphicShape::getVertexN null vertex pointer", [] { CGraphicTriangle().getVertexN(0); }},
         {"CGraphicShape::moveVertexNBy null vertex pointer", [] { CGraphicTriangle().moveVertexNBy(0, VECT2_0); }},
         {"CGraphicShape::setColorN null color pointer",
-         [] { CGraphicTriangle t; t.setVertexArray(nullptr); t.setColorN(0, kRed); }},
+         [] { CGraphicTriangle t; t.setVertexArray(nullptr); t.setColorN(0, RED); }},
         {"CGraphicShape::setColorN null color pointer",
          [] { CGraphicTriangle t; t.setVertexArray(nullptr); t.getColorN(0); }},
         // A circle's vertices come from setSides(): without it the first write meets no array.
@@ -179,7 +175,7 @@ protected:
         boost::shared_ptr<CGraphicRectangle> r = boost::make_shared<CGraphicRectangle>();
         r->setWidthHeight(v2(20, 10));
         r->moveTo(v2(32, 32));
-        tColor c[4] = {kRed, kRed, kGreen, kGreen};
+        tColor c[4] = {RED, RED, GREEN, GREEN};
         if (colours)
             r->setColorArray(c);
         return r;
@@ -209,8 +205,8 @@ protected:
         c->rotateTo(tFixed(90));
         if (gradient) {
             c->setColorArray(nullptr);
-            c->setColorN(0, kBlue);
-            c->setOuterColor(kRed);
+            c->setColorN(0, BLUE);
+            c->setOuterColor(RED);
         }
         return c;
     }
@@ -241,7 +237,7 @@ TEST_F(ShapeDrawTest, CallOrderOfADraw)
         tColor* color;
         std::vector<std::string> calls;
     } cases[] = {
-        {point(), const_cast<tColor*>(&kGreen),
+        {point(), const_cast<tColor*>(&GREEN),
          {glCall("glPushMatrix"), glCall("glVertexPointer", {2, GL_FIXED, 0}), untextured[0], untextured[1],
           glCall("glColor4ub", {0, 255, 0, 255}), glCall("glPointSizex", {3 * ONE}),
           glCall("glDrawArrays", {GL_POINTS, 0, 1}), textured[0], textured[1], glCall("glPopMatrix")}},
@@ -305,11 +301,11 @@ TEST_F(ShapeDrawTest, ShortColourArrayIsNeverPassed)
     rect->setVertexArray(nullptr);
     rect->setWidthHeight(v2(20, 20));
     rect->moveTo(v2(32, 32));
-    rect->setColor(kBlue);
+    rect->setColor(BLUE);
     AssertCapture asserts;
-    rect->setColorN(1, kRed);
-    rect->setColorN(2, kRed);
-    EXPECT_EQ(rect->getColorN(1), kRed);
+    rect->setColorN(1, RED);
+    rect->setColorN(2, RED);
+    EXPECT_EQ(rect->getColorN(1), RED);
     GLRecorder::start();
     rect->draw(nullptr);
     GLRecorder::stop();
@@ -318,7 +314,7 @@ TEST_F(ShapeDrawTest, ShortColourArrayIsNeverPassed)
                                         "CGraphicShape::pushTransform color array shorter than vertex array"}));
     EXPECT_EQ(GLRecorder::count("glColorPointer"), 0u);
     EXPECT_FALSE(glIsEnabled(GL_COLOR_ARRAY));
-    EXPECT_EQ(pixel(32, 32), kBlue) << "drawn in the element colour";
+    EXPECT_EQ(pixel(32, 32), BLUE) << "drawn in the element colour";
 }
 
 TEST_F(ShapeDrawTest, ColoursOnScreen)
@@ -331,9 +327,9 @@ TEST_F(ShapeDrawTest, ColoursOnScreen)
         tColor expected;
     } cases[] = {
         {"element colour", rectangle(false), nullptr, 32, 32, tColor{255, 255, 255, 255}},
-        {"given colour wins", rectangle(false), const_cast<tColor*>(&kGreen), 41, 36, kGreen},
-        {"vertex colours win", rectangle(true), const_cast<tColor*>(&kBlue), 32, 27, kRed},
-        {"gradient centre", circle(true), nullptr, 32, 32, kBlue},
+        {"given colour wins", rectangle(false), const_cast<tColor*>(&GREEN), 41, 36, GREEN},
+        {"vertex colours win", rectangle(true), const_cast<tColor*>(&BLUE), 32, 27, RED},
+        {"gradient centre", circle(true), nullptr, 32, 32, BLUE},
         {"turned and scaled circle reaches y + 28", circle(false), nullptr, 32, 59, tColor{255, 255, 255, 255}},
     };
     for (const auto& c : cases) {

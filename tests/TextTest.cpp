@@ -80,8 +80,7 @@ TEST_F(TextTest, OriginSitsOnTheBaseline)
     boost::shared_ptr<CText> t = makeText("H", 24);
     t->moveTo(tVect2{tFixed(20), tFixed(20)});
     CDrawManager::Instance()->add(t);
-    CGraphics2D::Instance()->clearBuffer();
-    CDrawManager::Instance()->drawAll();
+    frame();
     // The left stem of the H: lit from the baseline up, dark below it.
     int stem = -1;
     for (int x = 20; x < 30 && stem < 0; ++x)
@@ -102,8 +101,7 @@ TEST_F(TextTest, ImmediateDrawMatchesBatchedDraw)
     t->draw(nullptr);
     ImageIO::tImage immediate = readFrame();
     CDrawManager::Instance()->add(t);
-    CGraphics2D::Instance()->clearBuffer();
-    CDrawManager::Instance()->drawAll();
+    frame();
     ImageIO::tImage batched = readFrame();
     ImageIO::tDifference d = ImageIO::compare(immediate, batched, 2);
     EXPECT_EQ(d.pixelsOver, 0);
@@ -141,8 +139,7 @@ TEST_F(TextGoldenTest, WrappedTextInEachAlignment)
         t->setColor(tColor{255, 220, 120, 255});
         t->moveTo(tVect2{tFixed(16), tFixed(60)});
         CDrawManager::Instance()->add(t);
-        CGraphics2D::Instance()->clearBuffer();
-        CDrawManager::Instance()->drawAll();
+        frame();
         expectMatchesGolden(names[align], 8, 10);
         CDrawManager::Instance()->remove(t);
     }

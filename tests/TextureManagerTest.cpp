@@ -5,7 +5,6 @@
 
 #include <SystemData.h>
 
-#include <fstream>
 
 namespace {
 
@@ -74,11 +73,7 @@ TEST_F(TextureManagerTest, PathsAreKeysAsSpelt)
 TEST_F(TextureManagerTest, MissingFileIsCachedUnderItsOwnPath)
 {
     const std::string dir = scratchDir("texture-manager-placeholder");
-    {
-        std::ifstream in(png("pal4.png"), std::ios::binary);
-        std::ofstream out(dir + "/missingAsset.png", std::ios::binary);
-        out << in.rdbuf();
-    }
+    copyFile(png("pal4.png"), dir + "/missingAsset.png");
     CSystemData::Instance()->AddArtPath(dir);
     boost::shared_ptr<CTexture> t = loadRAM("nowhere/hero.png");
     CSystemData::Instance()->ClearPaths();

@@ -5,7 +5,6 @@
 #include <SystemData.h>
 
 #include <cstring>
-#include <fstream>
 
 // The files come from tests/data/png/make_corpus.py; the patterns below are its own.
 namespace {
@@ -237,11 +236,7 @@ TEST(TexturePNG, IndicesPastThePaletteReadAsTransparentBlack)
 TEST(TexturePNG, MissingFileLoadsThePlaceholder)
 {
     const std::string dir = scratchDir("texture-placeholder");
-    {
-        std::ifstream in(png("rgba.png"), std::ios::binary);
-        std::ofstream out(dir + "/missingAsset.png", std::ios::binary);
-        out << in.rdbuf();
-    }
+    copyFile(png("rgba.png"), dir + "/missingAsset.png");
     CSystemData::Instance()->AddArtPath(dir);
     DebugCapture debug;
     AssertCapture asserts;
@@ -270,12 +265,7 @@ TEST_F(TexturePNGGLTest, ConstructorFlags)
 TEST_F(TexturePNGGLTest, TransparentEntriesAreNotDrawn)
 {
     CTexturePNG t(png("pal4_trns3.png"), true, false, false);
-    const GLfixed v[] = {0, 0, 16 << 16, 0, 0, 16 << 16, 16 << 16, 16 << 16};
-    const GLfixed tc[] = {0, 0, 0x10000, 0, 0, 0x10000, 0x10000, 0x10000};
-    glColor4x(0x10000, 0x10000, 0x10000, 0x10000);
-    glVertexPointer(2, GL_FIXED, 0, v);
-    glTexCoordPointer(2, GL_FIXED, 0, tc);
-    glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
+    drawTexturedQuad(t.glTextureId, 16, 16);
     // Pixel (0, 0) has index 0 (alpha 0); pixel (1, 0) index 3 (opaque).
     EXPECT_EQ(pixel(0, 0), pixel(40, 40)) << "the background shows through";
     const tColor e = paletteEntry(3);

@@ -5,19 +5,9 @@
 #include "CTextureSheet.h"
 
 #include <algorithm>
-#include <fstream>
 #include <sys/stat.h>
 
 namespace {
-
-void copyFile(const std::string& from, const std::string& to)
-{
-    std::ifstream in(from, std::ios::binary);
-    std::ofstream out(to, std::ios::binary);
-    out << in.rdbuf();
-}
-
-void writeFile(const std::string& path, const std::string& text) { std::ofstream(path) << text; }
 
 tVect2 v(int x, int y) { return tVect2{tFixed(x), tFixed(y)}; }
 

@@ -208,19 +208,6 @@ TEST(Texture, IsInList)
 class TextureGLTest : public GLTest
 {
 protected:
-    /// Draws the texture over the pixels (0, 0) to (w, h), texel row 0 at the bottom.
-    void drawQuad(GLuint id, int w, int h)
-    {
-        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-        glBindTexture(GL_TEXTURE_2D, id);
-        const GLfixed v[] = {0, 0, w << 16, 0, 0, h << 16, w << 16, h << 16};
-        const GLfixed tc[] = {0, 0, 0x10000, 0, 0, 0x10000, 0x10000, 0x10000};
-        glColor4x(0x10000, 0x10000, 0x10000, 0x10000);
-        glVertexPointer(2, GL_FIXED, 0, v);
-        glTexCoordPointer(2, GL_FIXED, 0, tc);
-        glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
-    }
-
     /// A 16x16 paletted texture whose entry i is (i, 7i, 3i) in nibbles, opaque.
     std::unique_ptr<CTexture> nibblePalette(tPalType pal)
     {
@@ -247,13 +234,31 @@ protected:
     }
 };
 
-TEST_F(TextureGLTest, PalettedImageGoesUpCompressed)
+// 4- and 8-bit palettes go up compressed; 1- and 2-bit ones have no GL format and are expanded.
+TEST_F(TextureGLTest, UploadCallAndStateForEachKind)
 {
-    struct { tPalType pal; kPixelFormat format; GLenum internal; long size; } cases[] = {
-        {PAL_PALETTE8, kPixelFormatRGBA4444, GL_PALETTE8_RGBA4_OES, 512 + 256},
-        {PAL_PALETTE4, kPixelFormatRGB565, GL_PALETTE4_R5_G6_B5_OES, 32 + 128},
+    struct {
+        tPalType pal;
+        kPixelFormat format;
+        const char* call;
+        std::vector<long> args;
+        std::vector<std::string> logs;
+    } cases[] = {
+        {PAL_PALETTE8, kPixelFormatRGBA4444, "glCompressedTexImage2D",
+         {GL_TEXTURE_2D, 0, GL_PALETTE8_RGBA4_OES, 16, 16, 0, 512 + 256},
+         {"Calling glCompressedTexImage2D with internalFormat 8b98\n"}},
+        {PAL_PALETTE4, kPixelFormatRGB565, "glCompressedTexImage2D",
+         {GL_TEXTURE_2D, 0, GL_PALETTE4_R5_G6_B5_OES, 16, 16, 0, 32 + 128},
+         {"Calling glCompressedTexImage2D with internalFormat 8b92\n"}},
+        {PAL_PALETTE1, kPixelFormatRGB565, "glTexImage2D",
+         {GL_TEXTURE_2D, 0, GL_RGB, 16, 16, 0, GL_RGB, GL_UNSIGNED_SHORT_5_6_5},
+         {"Warning: Unsupported compressed tex image format ffff, depalettizing\n",
+          ">> Calling glTexImage2D with internalFormat 1907, type 8363\n"}},
+        {PAL_NONE, kPixelFormatRGBA8888, "glTexImage2D",
+         {GL_TEXTURE_2D, 0, GL_RGBA, 16, 16, 0, GL_RGBA, GL_UNSIGNED_BYTE}, {}},
     };
     for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.pal << "/" << c.format);
         tImageInfo info{c.pal, c.format, 16, 16};
         CTexture t(info, true);
         DebugCapture debug;
@@ -261,56 +266,26 @@ TEST_F(TextureGLTest, PalettedImageGoesUpCompressed)
         GLRecorder::start();
         t.InitGLTexture();
         GLRecorder::stop();
-        const auto uploads = GLRecorder::callsNamed("glCompressedTexImage2D");
+        const auto uploads = GLRecorder::callsNamed(c.call);
         ASSERT_EQ(uploads.size(), 1u);
-        EXPECT_EQ(uploads[0].args, (std::vector<long>{GL_TEXTURE_2D, 0, (long)c.internal, 16, 16, 0, c.size}));
-        EXPECT_EQ(GLRecorder::count("glTexImage2D"), 0u);
-        char log[80];
-        snprintf(log, sizeof log, "Calling glCompressedTexImage2D with internalFormat %x\n", c.internal);
-        EXPECT_TRUE(debug.has(3, log));
+        EXPECT_EQ(uploads[0].args, c.args);
+        EXPECT_EQ(GLRecorder::count("glTexImage2D") + GLRecorder::count("glCompressedTexImage2D"), 1u);
+        for (const std::string& log : c.logs)
+            EXPECT_TRUE(debug.has(3, log)) << log;
         EXPECT_FALSE(debug.has("CTexture::InitGLTexture 2 OpenGL Error 0x500, may have run out of memory\n"));
-    }
-}
 
-TEST_F(TextureGLTest, OneAndTwoBitPalettesAreAlwaysExpanded)
-{
-    tImageInfo info{PAL_PALETTE1, kPixelFormatRGB565, 16, 16};
-    CTexture t(info, true);
-    DebugCapture debug;
-    GLRecorder::start();
-    t.InitGLTexture();
-    GLRecorder::stop();
-    EXPECT_EQ(GLRecorder::count("glCompressedTexImage2D"), 0u);
-    const auto uploads = GLRecorder::callsNamed("glTexImage2D");
-    ASSERT_EQ(uploads.size(), 1u);
-    EXPECT_EQ(uploads[0].args,
-              (std::vector<long>{GL_TEXTURE_2D, 0, GL_RGB, 16, 16, 0, GL_RGB, GL_UNSIGNED_SHORT_5_6_5}));
-    EXPECT_TRUE(debug.has(3, "Warning: Unsupported compressed tex image format ffff, depalettizing\n"));
-    EXPECT_TRUE(debug.has(3, ">> Calling glTexImage2D with internalFormat 1907, type 8363\n"));
-}
-
-TEST_F(TextureGLTest, DirectColourUploadAndState)
-{
-    tImageInfo info{PAL_NONE, kPixelFormatRGBA8888, 8, 8};
-    CTexture t(info, true);
-    GLRecorder::start();
-    t.InitGLTexture();
-    GLRecorder::stop();
-    const auto uploads = GLRecorder::callsNamed("glTexImage2D");
-    ASSERT_EQ(uploads.size(), 1u);
-    EXPECT_EQ(uploads[0].args, (std::vector<long>{GL_TEXTURE_2D, 0, GL_RGBA, 8, 8, 0, GL_RGBA, GL_UNSIGNED_BYTE}));
-
-    GLint bound = 0;
-    glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
-    EXPECT_EQ(static_cast<GLuint>(bound), t.glTextureId);
-    struct { GLenum pname; GLint value; } params[] = {
-        {GL_TEXTURE_MIN_FILTER, GL_NEAREST}, {GL_TEXTURE_MAG_FILTER, GL_NEAREST},
-        {GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE}, {GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE},
-    };
-    for (const auto& p : params) {
-        GLint v = 0;
-        glGetTexParameteriv(GL_TEXTURE_2D, p.pname, &v);
-        EXPECT_EQ(v, p.value) << std::hex << p.pname;
+        GLint bound = 0;
+        glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
+        EXPECT_EQ(static_cast<GLuint>(bound), t.glTextureId);
+        struct { GLenum pname; GLint value; } params[] = {
+            {GL_TEXTURE_MIN_FILTER, GL_NEAREST}, {GL_TEXTURE_MAG_FILTER, GL_NEAREST},
+            {GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE}, {GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE},
+        };
+        for (const auto& p : params) {
+            GLint v = 0;
+            glGetTexParameteriv(GL_TEXTURE_2D, p.pname, &v);
+            EXPECT_EQ(v, p.value) << std::hex << p.pname;
+        }
     }
 }
 
@@ -337,7 +312,7 @@ TEST_F(TextureGLTest, GLTextureOutlivesTheRAMImageAndDiesWithTheObject)
     t->InitGLTexture();
     t->DeleteRAMTexture();
     const GLuint id = t->glTextureId;
-    drawQuad(id, 16, 16);
+    drawTexturedQuad(id, 16, 16);
     expectPattern("after dropping the RAM image");
     t.reset();
     EXPECT_FALSE(glIsTexture(id));
@@ -361,7 +336,7 @@ TEST_F(TextureGLTest, CompressedAndExpandedUploadsDrawTheSame)
         SCOPED_TRACE(pal);
         std::unique_ptr<CTexture> compressed = nibblePalette(pal);
         compressed->InitGLTexture();
-        drawQuad(compressed->glTextureId, 16, 16);
+        drawTexturedQuad(compressed->glTextureId, 16, 16);
         const ImageIO::tImage a = readFrame();
         expectPattern("compressed");
 
@@ -370,7 +345,7 @@ TEST_F(TextureGLTest, CompressedAndExpandedUploadsDrawTheSame)
         CTexture expanded(direct, false);
         std::memcpy(expanded.buffer, rgb.get(), direct.GetTotalSize());
         expanded.InitGLTexture();
-        drawQuad(expanded.glTextureId, 16, 16);
+        drawTexturedQuad(expanded.glTextureId, 16, 16);
         const ImageIO::tImage b = readFrame();
         EXPECT_EQ(ImageIO::compare(a, b, 0).pixelsOver, 0);
     }
@@ -417,7 +392,7 @@ TEST_F(TextureWithoutCompressionTest, ExpandedUploadDrawsThePalette)
     for (tPalType pal : {PAL_PALETTE4, PAL_PALETTE8}) {
         std::unique_ptr<CTexture> t = nibblePalette(pal);
         t->InitGLTexture();
-        drawQuad(t->glTextureId, 16, 16);
+        drawTexturedQuad(t->glTextureId, 16, 16);
         expectPattern(pal == PAL_PALETTE4 ? "4-bit" : "8-bit");
     }
 }

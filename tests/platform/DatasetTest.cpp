@@ -1,5 +1,6 @@
+#include "ErrorMessages.h"
+
 #include <Dataset.h>
-#include <DebugMPI.h>
 
 #include <cstdio>
 #include <cstring>
@@ -8,8 +9,6 @@
 #include <vector>
 
 namespace {
-
-using Tadwick::Vell::CDebugMPI;
 
 typedef std::vector<uint32_t> Words;
 
@@ -49,20 +48,6 @@ struct Files
         write(dset, data.data(), data.size() * 4);
         write(relink, relinkWords.data(), relinkWords.size() * 4);
     }
-};
-
-struct Messages
-{
-    Messages()
-    {
-        previous = CDebugMPI::SetHandler([this](int, int level, const std::string& t) {
-            if (level <= 1)
-                text += t;
-        });
-    }
-    ~Messages() { CDebugMPI::SetHandler(previous); }
-    std::string text;
-    CDebugMPI::tHandler previous;
 };
 
 uint32_t word(const void* p)
@@ -151,12 +136,12 @@ TEST(Dataset, BrokenDatasetsAreRefusedWithAMessage)
         Files::write(files.dset, c.data.data(), c.data.size());
         if (c.relink)
             Files::write(files.relink, c.relink->data(), c.relink->size());
-        Messages messages;
+        ErrorMessages messages;
         EXPECT_FALSE(LoadDataset(files.dset.c_str(), files.relink.c_str()));
         EXPECT_NE(messages.text.find(c.message), std::string::npos) << messages.text;
         EXPECT_EQ(messages.text.find("LoadDataset: "), 0u) << messages.text;
     }
-    Messages messages;
+    ErrorMessages messages;
     EXPECT_FALSE(LoadDataset("/nonexistent/scene.dsetBin", "/nonexistent/scene.relinkBin"));
     EXPECT_EQ(messages.text, "LoadDataset: /nonexistent/scene.dsetBin: could not read the dataset\n");
     EXPECT_FALSE(LoadDataset(Z2D_BINARY_DIR, Z2D_BINARY_DIR));

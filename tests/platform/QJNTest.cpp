@@ -1,4 +1,5 @@
-#include <DebugMPI.h>
+#include "ErrorMessages.h"
+
 #include <QJN.h>
 
 #include <cstdio>
@@ -6,22 +7,6 @@
 #include <unistd.h>
 
 namespace {
-
-using Tadwick::Vell::CDebugMPI;
-
-struct Messages
-{
-    Messages()
-    {
-        previous = CDebugMPI::SetHandler([this](int, int level, const std::string& t) {
-            if (level <= 1)
-                text += t;
-        });
-    }
-    ~Messages() { CDebugMPI::SetHandler(previous); }
-    std::string text;
-    CDebugMPI::tHandler previous;
-};
 
 QJN::Value parse(const std::string& text, unsigned char flag = 0)
 {
@@ -125,7 +110,7 @@ TEST(QJN, StrictFlagRefusesCommentsAndTrailingCommas)
     QJN::CJSonFile lenient("a.json", 0);
     ASSERT_TRUE(lenient.LoadFromString(relaxed));
     EXPECT_EQ(lenient.getRoot().size(), 2u);
-    Messages messages;
+    ErrorMessages messages;
     QJN::CJSonFile strict("a.json", QJN::CJSonFile::kStrict);
     EXPECT_FALSE(strict.LoadFromString(relaxed));
     EXPECT_TRUE(strict.getRoot().isNull());
@@ -135,7 +120,7 @@ TEST(QJN, UnparsableInputIsReportedWithTheFileName)
 {
     const char* bad[] = {"", "[1, 2", "{\"a\" 1}", "[1] trailing", "\"\\uZZZZ\"", "{\"a\":}"};
     for (const char* text : bad) {
-        Messages messages;
+        ErrorMessages messages;
         QJN::CJSonFile file("scenes/broken.json");
         EXPECT_FALSE(file.LoadFromString(text)) << text;
         EXPECT_TRUE(file.getRoot().isNull());
@@ -147,7 +132,7 @@ TEST(QJN, UnparsableInputIsReportedWithTheFileName)
 
 TEST(QJN, DeepNestingFailsCleanly)
 {
-    Messages messages;
+    ErrorMessages messages;
     QJN::CJSonFile file("deep.json");
     EXPECT_FALSE(file.LoadFromString(std::string(100000, '[')));
     EXPECT_TRUE(file.getRoot().isNull());
@@ -170,7 +155,7 @@ TEST(QJN, LoadReadsFilesAndReportsMissingOnes)
     EXPECT_EQ(file.getRoot()[0]["x"].asInt(), 12);
     unlink(path.c_str());
 
-    Messages messages;
+    ErrorMessages messages;
     QJN::CJSonFile missing(path);
     EXPECT_FALSE(missing.Load());
     EXPECT_TRUE(missing.getRoot().isNull());

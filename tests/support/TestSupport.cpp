@@ -1,5 +1,6 @@
 #include "TestSupport.h"
 
+#include "CDrawManager.h"
 #include "CGraphics2D.h"
 
 #include <VellOpenGLConfig.h>
@@ -148,6 +149,24 @@ void GLTest::expectMatchesGolden(const std::string& name, int tolerance, long al
     }
 }
 
+void GLTest::frame() const
+{
+    CGraphics2D::Instance()->clearBuffer();
+    CDrawManager::Instance()->drawAll();
+}
+
+void GLTest::drawTexturedQuad(unsigned int id, int w, int h) const
+{
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    glBindTexture(GL_TEXTURE_2D, id);
+    const GLfixed v[] = {0, 0, w << 16, 0, 0, h << 16, w << 16, h << 16};
+    const GLfixed tc[] = {0, 0, 0x10000, 0, 0, 0x10000, 0x10000, 0x10000};
+    glColor4x(0x10000, 0x10000, 0x10000, 0x10000);
+    glVertexPointer(2, GL_FIXED, 0, v);
+    glTexCoordPointer(2, GL_FIXED, 0, tc);
+    glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
+}
+
 ::std::ostream& operator<<(::std::ostream& os, const tColor& c)
 {
     return os << "(" << int(c.r) << ", " << int(c.g) << ", " << int(c.b) << ", " << int(c.a) << ")";
@@ -166,3 +185,15 @@ std::string scratchDir(const std::string& name)
     mkdir(dir.c_str(), 0755);
     return dir;
 }
+
+std::string readFile(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream ss;
+    ss << in.rdbuf();
+    return ss.str();
+}
+
+void writeFile(const std::string& path, const std::string& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
+
+void copyFile(const std::string& from, const std::string& to) { writeFile(to, readFile(from)); }

@@ -73,6 +73,10 @@ protected:
     tColor pixel(int x, int y) const;
     /// Compares the frame with tests/golden/NAME.png; ZEPHRIN2D_UPDATE_GOLDEN=1 rewrites it.
     void expectMatchesGolden(const std::string& name, int tolerance = 2, long allowedPixels = 0) const;
+    /// Clears, then draws everything the draw manager holds.
+    void frame() const;
+    /// Draws GL texture id in white over the pixels (0, 0) to (w, h), texel row 0 at the bottom.
+    void drawTexturedQuad(unsigned int id, int w, int h) const;
 
     int mWidth;
     int mHeight;
@@ -81,9 +85,18 @@ protected:
 
 ::std::ostream& operator<<(::std::ostream& os, const tColor& c);
 
+const tColor RED{255, 0, 0, 255};
+const tColor GREEN{0, 255, 0, 255};
+const tColor BLUE{0, 0, 255, 255};
+/// The default clear colour as it reads back: its alpha 1.0 is shifted into 8 bits, not scaled.
+const tColor BLACK{0, 0, 0, 254};
+
 std::string testDataPath(const std::string& relative);
 std::string examplesPath(const std::string& relative);
 /// A directory under the build tree for one test process's files.
 std::string scratchDir(const std::string& name);
+std::string readFile(const std::string& path);
+void writeFile(const std::string& path, const std::string& bytes);
+void copyFile(const std::string& from, const std::string& to);
 
 #endif
