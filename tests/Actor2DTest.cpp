@@ -195,9 +195,6 @@ TEST_F(Actor2DTest, CurrentAnimationFollowsNextAtItsEnd)
         EXPECT_EQ(actor->getCurrentAnimationLabel(), label);
         actor->update(100);
     }
-    EXPECT_EQ(actor->getAnimationStartOffset("jump"), 2u);
-    EXPECT_EQ(actor->getAnimationEndOffset("walk"), 1u);
-    EXPECT_EQ(actor->getAnimationEndOffset("sit"), 3u);
 }
 
 TEST_F(Actor2DTest, UpdateFunctionRunsOnEveryCall)

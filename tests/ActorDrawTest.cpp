@@ -1,11 +1,11 @@
 #include "TestSupport.h"
 #include "AllocationCounter.h"
+#include "DrawTestSupport.h"
 #include "RecordingChunk.h"
 
 #include "CActor2D.h"
 #include "CBillboard.h"
 #include "CDrawManager.h"
-#include "CGraphics2D.h"
 #include "CSprite.h"
 #include "CTexturedChunk.h"
 #include "CTexturedDrawList.h"
@@ -15,52 +15,26 @@
 
 namespace {
 
-/// One textured rectangle.
-class Quad : public CGraphicElement
-{
-public:
-    Quad(GLuint texture, int x, int y, int w, int h)
-    {
-        boost::shared_ptr<CTexturedChunk> chunk = boost::make_shared<CTexturedChunk>(4, 6);
-        const tVect3 corners[4] = {{tFixed(x), tFixed(y + h), ZERO_X}, {tFixed(x + w), tFixed(y + h), ZERO_X},
-                                   {tFixed(x), tFixed(y), ZERO_X}, {tFixed(x + w), tFixed(y), ZERO_X}};
-        const uint16_t indices[6] = {0, 1, 2, 2, 1, 3};
-        std::copy(corners, corners + 4, chunk->getVertices().begin());
-        std::copy(indices, indices + 6, chunk->getIndices().begin());
-        chunk->setTextureId(texture, false);
-        mChunks.push_back(chunk);
-    }
-    void draw(tColor*) override {}
-};
-
 class ActorDrawTest : public GLTest
 {
 protected:
     void TearDown() override
     {
-        for (GLuint t : mTextures)
-            glDeleteTextures(1, &t);
+        mTextures.clear();
         GLTest::TearDown();
     }
 
     GLuint texture(tColor c)
     {
-        GLuint t = 0;
-        glGenTextures(1, &t);
-        glBindTexture(GL_TEXTURE_2D, t);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
-        const uint8_t rgb[3] = {c.r, c.g, c.b};
-        glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
-        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGB, 1, 1, 0, GL_RGB, GL_UNSIGNED_BYTE, rgb);
-        mTextures.push_back(t);
-        return t;
+        mTextures.push_back(DrawTest::solidTexture(c));
+        return mTextures.back()->glTextureId;
     }
 
-    static tActor2DFrameStruct cel(unsigned short duration, GLuint texture, int x = 0, int y = 0, int size = 32)
+    static tActor2DFrameStruct cel(unsigned short duration, GLuint texture, int size = 32)
     {
-        Quad quad(texture, x, y, size, size);
-        tActor2DFrameStruct frame = {duration, {}, {}, quad.getChunks()};
+        boost::shared_ptr<CTexturedChunk> chunk = DrawTest::quad(boost::shared_ptr<CTexture>(), size, size);
+        chunk->setTextureId(texture, false);
+        tActor2DFrameStruct frame = {duration, {}, {}, {chunk}};
         return frame;
     }
 
@@ -76,7 +50,7 @@ protected:
         return n;
     }
 
-    std::vector<GLuint> mTextures;
+    std::vector<boost::shared_ptr<CTexture> > mTextures;
 };
 
 TEST_F(ActorDrawTest, SpriteMergesBillboardsOfOneTexture)
@@ -147,7 +121,7 @@ TEST_F(ActorDrawTest, MovesAndVisibilityReachTheShownCel)
 {
     const GLuint red = texture(RED), green = texture(GREEN);
     boost::shared_ptr<CActor2D> actor = boost::make_shared<CActor2D>();
-    tActor2DFrameStruct first = cel(100, red, 0, 0, 16), second = cel(100, green, 0, 0, 16);
+    tActor2DFrameStruct first = cel(100, red, 16), second = cel(100, green, 16);
     actor->appendFrameStart(first, "a");
     actor->appendFrame(second);
     CDrawManager::Instance()->add(actor);
@@ -171,7 +145,7 @@ TEST_F(ActorDrawTest, CopiesSharingChunksAdvanceIndependently)
     // Placed copies of one actor share their cels' chunks.
     const GLuint red = texture(RED), green = texture(GREEN), blue = texture(BLUE);
     boost::shared_ptr<CActor2D> left = boost::make_shared<CActor2D>();
-    tActor2DFrameStruct a = cel(100, red, 0, 0, 16), b = cel(100, green, 0, 0, 16), c = cel(100, blue, 0, 0, 16);
+    tActor2DFrameStruct a = cel(100, red, 16), b = cel(100, green, 16), c = cel(100, blue, 16);
     left->appendFrameStart(a, "run");
     left->appendFrame(b);
     left->appendFrame(c);
@@ -234,7 +208,7 @@ TEST_F(ActorHeapTest, CelChangesAllocateNothingInTheActor)
 TEST_F(ActorHeapTest, CelChangesKeepTheDrawListsSteady)
 {
     const GLuint red = texture(RED), green = texture(GREEN);
-    std::vector<boost::shared_ptr<CActor2D> > actors = flippers(cel(1, red, 0, 0, 2), cel(1, green, 0, 0, 2));
+    std::vector<boost::shared_ptr<CActor2D> > actors = flippers(cel(1, red, 2), cel(1, green, 2));
     flip(actors, 11);
     frame();
     const size_t listCount = CDrawManager::Instance()->getOpaqueLists().size();

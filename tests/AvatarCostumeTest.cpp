@@ -31,10 +31,7 @@ protected:
         json << "{ \"AudioList\": [ {\"Name\": \"hello\", \"URI\": \"hello.wav\"} ],\n  \"LODList\": [\n";
         for (int i = 0; i < 3; ++i) {
             const int s = sizes[i];
-            ImageIO::tImage image;
-            image.width = image.height = s;
-            image.rgba.assign(static_cast<size_t>(s) * s * 4, 255);
-            ImageIO::writePNG(dir + "/lod" + std::to_string(s) + ".png", image);
+            writeSolidPNG(dir + "/lod" + std::to_string(s) + ".png", s, s, tColor{255, 255, 255, 255});
             json << "    {\"Size\": " << s << ", \"TextureURI\": \"lod" << s << ".png\", \"ComponentList\": [\n"
                  << "      {\"Name\": \"head\", \"Variations\": [\n"
                  << "        {\"Name\": \"round\", \"RectLeft\": 0, \"RectTop\": 0, \"RectRight\": " << s / 2

@@ -21,21 +21,12 @@ protected:
         GLTest::SetUp();
         const std::string dir = scratchDir("avatar-piece");
         const int sizes[3] = {32, 64, 128};
-        const uint8_t colours[3][3] = {{255, 0, 0}, {0, 255, 0}, {0, 0, 255}};
+        const tColor colours[3] = {RED, GREEN, BLUE};
         std::ofstream json(dir + "/kid.json");
         json << "{\"LODList\": [";
         for (int i = 0; i < 3; ++i) {
             const int s = sizes[i];
-            ImageIO::tImage image;
-            image.width = image.height = s;
-            image.rgba.resize(static_cast<size_t>(s) * s * 4);
-            for (size_t p = 0; p < image.rgba.size(); p += 4) {
-                image.rgba[p] = colours[i][0];
-                image.rgba[p + 1] = colours[i][1];
-                image.rgba[p + 2] = colours[i][2];
-                image.rgba[p + 3] = 255;
-            }
-            ImageIO::writePNG(dir + "/kid" + std::to_string(s) + ".png", image);
+            writeSolidPNG(dir + "/kid" + std::to_string(s) + ".png", s, s, colours[i]);
             json << (i ? "," : "") << "{\"Size\": " << s << ", \"TextureURI\": \"kid" << s
                  << ".png\", \"ComponentList\": [{\"Name\": \"body\", \"Variations\": [{\"Name\": \"plain\", "
                  << "\"RectLeft\": 0, \"RectTop\": 0, \"RectRight\": " << s << ", \"RectBottom\": " << s
@@ -83,7 +74,7 @@ TEST_F(AvatarPieceTest, SameOnScreenSizeAtEveryLOD)
     piece->setCostume(costume.get());
     CDrawManager::Instance()->add(piece);
     const struct { int lod; tColor colour; } cases[] = {
-        {32, {255, 0, 0, 255}}, {64, {0, 255, 0, 255}}, {128, {0, 0, 255, 255}},
+        {32, RED}, {64, GREEN}, {128, BLUE},
     };
     for (const auto& c : cases) {
         costume->setLOD(c.lod);

@@ -7,7 +7,6 @@
 #include "CGraphics2D.h"
 #include "CTextureSheet.h"
 
-
 using namespace DrawTest;
 
 namespace {

@@ -4,7 +4,6 @@
 
 #include <QJN.h>
 
-
 namespace {
 
 TEST(ContentDumpTest, DemoActorAndCostumeDumpAsExpected)

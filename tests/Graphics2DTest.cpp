@@ -66,15 +66,6 @@ TEST_F(Graphics2DTest, SecondInitChangesNothing)
     EXPECT_TRUE(asserts.entries().empty()) << "the init assertion must not fire";
 }
 
-TEST_F(Graphics2DTest, CompressedFormatQueries)
-{
-    CGraphics2D* g = CGraphics2D::Instance();
-    EXPECT_TRUE(g->IsSupportedCompressedTexFormat(GL_PALETTE8_RGBA4_OES));
-    EXPECT_TRUE(g->IsSupportedCompressedTexFormat(GL_PALETTE4_R5_G6_B5_OES));
-    EXPECT_FALSE(g->IsSupportedCompressedTexFormat(0xFFFF));
-    EXPECT_FALSE(g->IsSupportedCompressedTexFormat(GL_RGBA));
-}
-
 TEST_F(Graphics2DTest, SwapKeepsTheFrameReadable)
 {
     CGraphics2D::Instance()->clearBuffer();
@@ -83,16 +74,6 @@ TEST_F(Graphics2DTest, SwapKeepsTheFrameReadable)
     ASSERT_EQ(frame.width, 64);
     ASSERT_EQ(frame.height, 48);
     EXPECT_EQ(frame.at(0, 0)[0], 254);
-}
-
-TEST(Graphics2DLifecycle, NoCompressedFormatsMeansNoneSupported)
-{
-    GLRecorder::setHideCompressedFormats(true);
-    CGraphics2D::Instance()->init(tVect2{tFixed(16), tFixed(16)}, tColor{0, 0, 0, 255}, 0, 0);
-    EXPECT_FALSE(CGraphics2D::Instance()->IsSupportedCompressedTexFormat(GL_PALETTE8_RGBA4_OES));
-    EXPECT_FALSE(CGraphics2D::Instance()->IsSupportedCompressedTexFormat(0xFFFF));
-    CGraphics2D::Instance()->cleanup();
-    GLRecorder::setHideCompressedFormats(false);
 }
 
 TEST(Graphics2DLifecycle, CleanupGivesAFreshContext)

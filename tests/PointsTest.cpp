@@ -22,12 +22,8 @@ protected:
     /// A 4 x 4 image file of one colour.
     static std::string imageFile(const std::string& name, tColor c)
     {
-        ImageIO::tImage image;
-        image.width = image.height = 4;
-        for (int i = 0; i < 16; ++i)
-            image.rgba.insert(image.rgba.end(), {c.r, c.g, c.b, c.a});
         const std::string path = scratchDir("points") + "/" + name;
-        EXPECT_TRUE(ImageIO::writePNG(path, image));
+        writeSolidPNG(path, 4, 4, c);
         return path;
     }
 

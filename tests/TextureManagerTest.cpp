@@ -5,7 +5,6 @@
 
 #include <SystemData.h>
 
-
 namespace {
 
 std::string png(const std::string& name) { return testDataPath("png/" + name); }

@@ -197,3 +197,13 @@ std::string readFile(const std::string& path)
 void writeFile(const std::string& path, const std::string& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
 
 void copyFile(const std::string& from, const std::string& to) { writeFile(to, readFile(from)); }
+
+void writeSolidPNG(const std::string& path, int w, int h, tColor c)
+{
+    ImageIO::tImage image;
+    image.width = w;
+    image.height = h;
+    for (int i = 0; i < w * h; ++i)
+        image.rgba.insert(image.rgba.end(), {c.r, c.g, c.b, c.a});
+    EXPECT_TRUE(ImageIO::writePNG(path, image)) << path;
+}

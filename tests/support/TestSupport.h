@@ -98,5 +98,7 @@ std::string scratchDir(const std::string& name);
 std::string readFile(const std::string& path);
 void writeFile(const std::string& path, const std::string& bytes);
 void copyFile(const std::string& from, const std::string& to);
+/// Writes a w x h PNG file of one colour.
+void writeSolidPNG(const std::string& path, int w, int h, tColor c);
 
 #endif
