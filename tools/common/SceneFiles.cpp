@@ -22,17 +22,21 @@ bool readable(const std::string& path)
 
 } // namespace
 
+bool SceneOptions::splitValue(std::string& arg, std::string& value)
+{
+    const size_t eq = arg.find('=');
+    if (eq == std::string::npos)
+        return false;
+    value = arg.substr(eq + 1);
+    arg = arg.substr(0, eq);
+    return true;
+}
+
 int SceneOptions::parse(int argc, char** argv, int& i, std::string& error)
 {
     std::string arg = argv[i];
     std::string value;
-    bool hasValue = false;
-    const size_t eq = arg.find('=');
-    if (eq != std::string::npos) {
-        value = arg.substr(eq + 1);
-        arg = arg.substr(0, eq);
-        hasValue = true;
-    }
+    const bool hasValue = splitValue(arg, value);
     std::string* target = arg == "--sheet" ? &sheet
                         : arg == "--costume" ? &costume
                         : arg == "--art-path" ? &artPath

@@ -27,6 +27,8 @@ struct SceneOptions
     int parse(int argc, char** argv, int& i, std::string& error);
     /// The option lines for --help.
     static const char* help();
+    /// Splits "--name=value" into arg and value; returns whether a value was given.
+    static bool splitValue(std::string& arg, std::string& value);
 };
 
 /// A scene loaded from its files, registered for drawing, its actors updated

@@ -118,13 +118,7 @@ bool parseOptions(int argc, char** argv, tOptions& options)
         if (taken > 0)
             continue;
         std::string value;
-        bool hasValue = false;
-        const size_t eq = arg.find('=');
-        if (eq != std::string::npos) {
-            value = arg.substr(eq + 1);
-            arg = arg.substr(0, eq);
-            hasValue = true;
-        }
+        const bool hasValue = SceneOptions::splitValue(arg, value);
         if (arg == "--help" || arg == "--stats") {
             if (hasValue)
                 return usageError(arg + " takes no value");
