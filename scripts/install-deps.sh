@@ -8,6 +8,8 @@ PACKAGES="build-essential cmake pkg-config git
   libfreetype-dev libfontconfig-dev fonts-dejavu-core
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   xvfb xauth x11-utils x11-apps"
+# The content schemas' test validates files with Debian's jsonschema.
+PACKAGES="$PACKAGES python3-jsonschema"
 # With --reliability also what the fuzz targets, the sanitizer runs and the
 # leak check need (clang with libFuzzer and the sanitizer runtimes, valgrind).
 RELIABILITY_PACKAGES="clang-14 libclang-rt-14-dev llvm-14 valgrind python3"

@@ -19,6 +19,9 @@ pc=$(find "$prefix" -name zephrin2d.pc | head -n 1)
 [ -n "$pc" ] || fail "no zephrin2d.pc under $prefix"
 libdir=$(dirname "$(dirname "$pc")")
 [ -f "$prefix/include/Zephrin2D/Zephrin2D.h" ] || fail "headers missing in $prefix/include/Zephrin2D"
+for kind in scene actor sheet costume; do
+    [ -f "$prefix/share/zephrin2d/schemas/$kind.schema.json" ] || fail "$kind.schema.json missing in $prefix/share/zephrin2d/schemas"
+done
 
 echo "== pkg-config"
 PKG_CONFIG_PATH=$libdir/pkgconfig make -s -C "$source/examples/minimal" OUT="$work/pkg-config"

@@ -1,0 +1,76 @@
+#!/usr/bin/python3
+"""Checks the content schemas: every scene, actor, sheet and costume file
+under EXAMPLES validates, and every line of BROKEN/expected.txt names an
+error its file gets.
+
+Usage: validate_schemas.py SCHEMAS EXAMPLES BROKEN
+"""
+import json
+import os
+import sys
+
+import jsonschema
+
+KINDS = ("scene", "actor", "sheet", "costume")
+
+
+def kind_of(doc):
+    """The kind of a content file, told by its content as the tools tell it."""
+    if isinstance(doc, list):
+        return "scene"
+    for key, kind in (("Animation", "actor"), ("LODList", "costume"), ("ImageData", "sheet")):
+        if isinstance(doc, dict) and key in doc:
+            return kind
+    return None
+
+
+def errors(validator, doc):
+    """Every error, those inside anyOf branches included, as (keyword, JSON pointer, message)."""
+    pending = list(validator.iter_errors(doc))
+    while pending:
+        e = pending.pop()
+        pending.extend(e.context)
+        yield e.validator, "/" + "/".join(str(p) for p in e.absolute_path), e.message
+
+
+def main(schemas, examples, broken):
+    validators = {}
+    for kind in KINDS:
+        with open(os.path.join(schemas, kind + ".schema.json")) as f:
+            schema = json.load(f)
+        jsonschema.Draft202012Validator.check_schema(schema)
+        validators[kind] = jsonschema.Draft202012Validator(schema)
+    failures = []
+    if validators["scene"].schema["$defs"] != validators["actor"].schema["$defs"]:
+        failures.append("scene.schema.json and actor.schema.json define their elements differently")
+
+    checked = 0
+    for root, _, files in sorted(os.walk(examples)):
+        for name in sorted(n for n in files if n.endswith(".json")):
+            path = os.path.join(root, name)
+            with open(path) as f:
+                doc = json.load(f)
+            kind = kind_of(doc)
+            if kind:
+                checked += 1
+                failures += ["%s: %s: %s" % (path, where, message) for _, where, message in errors(validators[kind], doc)]
+
+    with open(os.path.join(broken, "expected.txt")) as f:
+        lines = [line.split() for line in f if line.strip() and not line.startswith("#")]
+    for name, kind, keyword, where in lines:
+        with open(os.path.join(broken, name)) as f:
+            got = list(errors(validators[kind], json.load(f)))
+        if not any(k == keyword and w == where for k, w, _ in got):
+            failures.append("%s: no %s error at %s; got: %s" % (name, keyword, where,
+                                                                  "; ".join("%s %s" % (k, w) for k, w, _ in got)))
+
+    for failure in failures:
+        print(failure)
+    print("%d example files valid, %d refusals as expected, %d failures" % (checked, len(lines), len(failures)))
+    return 1 if failures or not checked else 0
+
+
+if __name__ == "__main__":
+    if len(sys.argv) != 4:
+        sys.exit(__doc__)
+    sys.exit(main(*sys.argv[1:]))
