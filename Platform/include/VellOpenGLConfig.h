@@ -43,6 +43,11 @@ public:
     /// Reads the surface's pixels as RGBA rows, top row first. For a
     /// pbuffer this is the last frame, also after the swap.
     bool readPixels(std::vector<uint8_t>& rgba, int& width, int& height) const;
+    /// Writes the last frame to an RGBA PNG file. False, with a message, when
+    /// the frame cannot be read or the file cannot be written.
+    bool writePNG(const char* path) const;
+    /// writePNG of the current configuration; false, with a message, when there is none.
+    static bool SaveFrame(const char* path);
 
 private:
     VellOpenGLConfig(const VellOpenGLConfig&);

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <png.h>
 
 namespace Tadwick {
 namespace Vell {
@@ -207,6 +208,40 @@ bool VellOpenGLConfig::readPixels(std::vector<uint8_t>& rgba, int& width, int& h
         memcpy(b, tmp.data(), row);
     }
     return true;
+}
+
+bool VellOpenGLConfig::writePNG(const char* path) const
+{
+    if (!path)
+        path = "";
+    std::vector<uint8_t> rgba;
+    int width = 0, height = 0;
+    if (!readPixels(rgba, width, height)) {
+        debug().DebugOut(1, "VellOpenGLConfig::writePNG - no frame to write to %s\n", path);
+        return false;
+    }
+    png_image image;
+    memset(&image, 0, sizeof image);
+    image.version = PNG_IMAGE_VERSION;
+    image.width = width;
+    image.height = height;
+    image.format = PNG_FORMAT_RGBA;
+    if (!png_image_write_to_file(&image, path, 0, rgba.data(), width * 4, 0)) {
+        debug().DebugOut(1, "VellOpenGLConfig::writePNG - could not write %s: %s\n", path, image.message);
+        return false;
+    }
+    return true;
+}
+
+bool VellOpenGLConfig::SaveFrame(const char* path)
+{
+    if (!path)
+        path = "";
+    if (!Current()) {
+        debug().DebugOut(1, "VellOpenGLConfig::SaveFrame - no graphics context, %s not written\n", path);
+        return false;
+    }
+    return Current()->writePNG(path);
 }
 
 } // namespace Vell

@@ -13,18 +13,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <png.h>
-#include <vector>
-
-static bool writePNG(const char* path, const std::vector<uint8_t>& rgba, int width, int height)
-{
-    png_image image = {};
-    image.version = PNG_IMAGE_VERSION;
-    image.width = width;
-    image.height = height;
-    image.format = PNG_FORMAT_RGBA;
-    return png_image_write_to_file(&image, path, 0, rgba.data(), width * 4, 0) != 0;
-}
 
 int main(int argc, char** argv)
 {
@@ -34,9 +22,7 @@ int main(int argc, char** argv)
 
     Tadwick::Vell::VellOpenGLConfig::SetSurfaceSize(DEMO_WIDTH, DEMO_HEIGHT);
     CGraphics2D::Instance()->init(tVect2{tFixed(DEMO_WIDTH), tFixed(DEMO_HEIGHT)}, tColor{0, 0, 0, 255}, 0, 0);
-    std::vector<uint8_t> rgba;
-    int width = 0, height = 0;
-    bool read = false;
+    bool written = false;
     {
         tDemoScene scene;  // released before the graphics context
         buildDemoScene(scene, dir);
@@ -50,13 +36,13 @@ int main(int argc, char** argv)
         }
         printf("%d frames: the hero took %d steps, the critters hopped %d times\n", frames, scene.steps,
                scene.hops);
-        read = Tadwick::Vell::VellOpenGLConfig::Current()->readPixels(rgba, width, height);
+        written = Tadwick::Vell::VellOpenGLConfig::SaveFrame(out);
     }
     CGraphics2D::Instance()->cleanup();
-    if (!read || !writePNG(out, rgba, width, height)) {
+    if (!written) {
         fprintf(stderr, "zephrin2d-demo: could not write %s\n", out);
         return 1;
     }
-    printf("wrote %s (%dx%d)\n", out, width, height);
+    printf("wrote %s (%dx%d)\n", out, DEMO_WIDTH, DEMO_HEIGHT);
     return 0;
 }

@@ -195,8 +195,8 @@ bool readFrame(ImageIO::tImage& image)
 
 bool writeFrame(const std::string& path)
 {
-    ImageIO::tImage image;
-    if (!readFrame(image) || !ImageIO::writePNG(path, image)) {
+    Tadwick::Vell::VellOpenGLConfig* config = CGraphics2D::Instance()->getConfig();
+    if (!config || !config->writePNG(path.c_str())) {
         std::fprintf(stderr, "%s: cannot write %s\n", kTool, path.c_str());
         return false;
     }

@@ -1,6 +1,5 @@
 // zephrin2d-view: a scene file in an X11 window, animated in real time.
 #include "GLRecorder.h"
-#include "ImageIO.h"
 #include "SceneFiles.h"
 
 #include "CGraphics2D.h"
@@ -170,8 +169,7 @@ int view(const tOptions& o)
         const GLRecorder::tCounters counters = GLRecorder::counters();
         const bool lastFrame = o.frames > 0 && frame + 1 >= o.frames;
         if (lastFrame && !o.screenshot.empty()) {
-            ImageIO::tImage image;
-            if (!config->readPixels(image.rgba, image.width, image.height) || !ImageIO::writePNG(o.screenshot, image)) {
+            if (!config->writePNG(o.screenshot.c_str())) {
                 std::fprintf(stderr, "%s: cannot write %s\n", kTool, o.screenshot.c_str());
                 status = 1;
             }
