@@ -1,5 +1,6 @@
 # Zephrin2D: `make demo` renders the demo, `make test` runs the test suite.
 BUILD ?= build
+MAKEFLAGS += --no-print-directory
 JOBS ?= 2
 BUILD_TYPE ?= RelWithDebInfo
 CMAKE_FLAGS ?=
@@ -37,7 +38,11 @@ build: configure
 test: build
 	@cd $(BUILD) && ctest --output-on-failure -j$(JOBS)
 
-demo: build
+# Only the render tool is built for the demo; the build's own output goes to a log.
+DEMO_TARGETS = zephrin2d-render
+demo: configure
+	@echo "Building $(DEMO_TARGETS) (log: $(BUILD)/demo-build.log)"
+	@cmake --build $(BUILD) -j$(JOBS) --target $(DEMO_TARGETS) >$(BUILD)/demo-build.log 2>&1 || { cat $(BUILD)/demo-build.log; exit 1; }
 	@mkdir -p $(DEMO_OUT)
 	@$(RENDER) --demo meadow --frames 90 --out $(DEMO_OUT)/meadow.png --contact-sheet $(DEMO_OUT)/meadow-contact-sheet.png 2>/dev/null
 	@$(RENDER) --demo shapes --frames 60 --out $(DEMO_OUT)/shapes.png 2>/dev/null

@@ -1,0 +1,10 @@
+# Fails unless the guide GUIDE holds every examples/.../main.cpp under SOURCES word for word.
+file(READ ${GUIDE} guide)
+file(GLOB programs ${SOURCES}/*/main.cpp)
+foreach(program ${programs})
+  file(READ ${program} code)
+  string(FIND "${guide}" "${code}" at)
+  if(at EQUAL -1)
+    message(FATAL_ERROR "${GUIDE} does not show ${program} as it is")
+  endif()
+endforeach()
