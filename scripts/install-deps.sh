@@ -10,6 +10,8 @@ PACKAGES="build-essential cmake pkg-config git
   xvfb xauth x11-utils x11-apps"
 # The content schemas' test validates files with Debian's jsonschema.
 PACKAGES="$PACKAGES python3-jsonschema"
+# The mistakes-table test of zephrin2d-check reads its table with Python.
+PACKAGES="$PACKAGES python3"
 # With --reliability also what the fuzz targets, the sanitizer runs and the
 # leak check need (clang with libFuzzer and the sanitizer runtimes, valgrind).
 RELIABILITY_PACKAGES="clang-14 libclang-rt-14-dev llvm-14 valgrind python3"

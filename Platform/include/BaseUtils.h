@@ -17,6 +17,11 @@ void Assert(bool condition, const char* file, int line, const char* format, ...)
 typedef std::function<void(const char* file, int line, const std::string& message)> tAssertHandler;
 tAssertHandler SetAssertHandler(tAssertHandler handler);
 
+/// Also told of each failed assertion, before the handler or standard error,
+/// so that a host can count problems without changing where reports go.
+/// An empty listener removes it. Returns the previous one.
+tAssertHandler SetAssertListener(tAssertHandler listener);
+
 } // namespace BaseUtils
 
 #endif

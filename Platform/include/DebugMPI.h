@@ -31,6 +31,9 @@ public:
 
     /// Installs a handler (an empty one restores standard error); returns the previous one.
     static tHandler SetHandler(tHandler handler);
+    /// Installs a listener told of every message, whatever the current level,
+    /// before it is printed or handled; an empty one removes it. Returns the previous one.
+    static tHandler SetListener(tHandler listener);
 
 private:
     int mModule;

@@ -16,6 +16,12 @@ tAssertHandler& handler()
     return sHandler;
 }
 
+tAssertHandler& listener()
+{
+    static tAssertHandler sListener;
+    return sListener;
+}
+
 std::string format(const char* fmt, va_list args)
 {
     va_list copy;
@@ -42,6 +48,8 @@ void Assert(bool condition, const char* file, int line, const char* fmt, ...)
     va_start(args, fmt);
     std::string message = format(fmt ? fmt : "", args);
     va_end(args);
+    if (listener())
+        listener()(file ? file : "", line, message);
     if (handler()) {
         handler()(file ? file : "", line, message);
         return;
@@ -57,6 +65,13 @@ tAssertHandler SetAssertHandler(tAssertHandler newHandler)
 {
     tAssertHandler old = handler();
     handler() = newHandler;
+    return old;
+}
+
+tAssertHandler SetAssertListener(tAssertHandler newListener)
+{
+    tAssertHandler old = listener();
+    listener() = newListener;
     return old;
 }
 

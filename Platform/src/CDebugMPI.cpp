@@ -34,13 +34,19 @@ CDebugMPI::tHandler& handler()
     return sHandler;
 }
 
+CDebugMPI::tHandler& listener()
+{
+    static CDebugMPI::tHandler sListener;
+    return sListener;
+}
+
 } // namespace
 
 CDebugMPI::CDebugMPI(int module) : mModule(module) {}
 
 void CDebugMPI::DebugOut(int msgLevel, const char* format, ...) const
 {
-    if (!handler() && msgLevel > level())
+    if (!handler() && !listener() && msgLevel > level())
         return;
     char small[512];
     va_list args;
@@ -59,10 +65,14 @@ void CDebugMPI::DebugOut(int msgLevel, const char* format, ...) const
         va_end(args);
         text.assign(big.data(), n);
     }
+    if (listener())
+        listener()(mModule, msgLevel, text);
     if (handler()) {
         handler()(mModule, msgLevel, text);
         return;
     }
+    if (msgLevel > level())
+        return;
     fputs(text.c_str(), stderr);
 }
 
@@ -74,6 +84,13 @@ CDebugMPI::tHandler CDebugMPI::SetHandler(tHandler newHandler)
 {
     tHandler old = handler();
     handler() = newHandler;
+    return old;
+}
+
+CDebugMPI::tHandler CDebugMPI::SetListener(tHandler newListener)
+{
+    tHandler old = listener();
+    listener() = newListener;
     return old;
 }
 

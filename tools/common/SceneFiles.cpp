@@ -61,6 +61,14 @@ int SceneOptions::parse(int argc, char** argv, int& i, std::string& error)
     return 1;
 }
 
+std::string SceneOptions::billboardPrefix() const
+{
+    if (hasDefaultPath)
+        return defaultPath;
+    const size_t slash = scene.rfind('/');
+    return slash == std::string::npos ? std::string() : scene.substr(0, slash + 1);
+}
+
 const char* SceneOptions::help()
 {
     return "  --sheet FILE        a texture-sheet description for the scene's billboards\n"
@@ -111,12 +119,7 @@ bool SceneFiles::loadFiles(std::string& error)
         mCostume->addFromFile(mOptions.costume, 0, 0);
         loader.setCostume(mCostume.get());
     }
-    std::string prefix = mOptions.defaultPath;
-    if (!mOptions.hasDefaultPath) {
-        const size_t slash = mOptions.scene.rfind('/');
-        prefix = slash == std::string::npos ? std::string() : mOptions.scene.substr(0, slash + 1);
-    }
-    loader.setDefaultPath(prefix);
+    loader.setDefaultPath(mOptions.billboardPrefix());
     const CSceneLoaderJson::tElementList elements = loader.parseJsonFile(mOptions.scene.c_str());
     mManager.reset(new CActorManager());
     for (size_t i = 0; i < elements.size(); ++i) {

@@ -25,6 +25,9 @@ struct SceneOptions
     /// Takes argv[i] (and its value) when it is a scene option: returns 1 when
     /// taken, 0 when it is no scene option, -1 on a bad value (error says why).
     int parse(int argc, char** argv, int& i, std::string& error);
+    /// What billboard file names are put behind: --default-path when given,
+    /// else the scene file's directory (with its slash).
+    std::string billboardPrefix() const;
     /// The option lines for --help.
     static const char* help();
     /// Splits "--name=value" into arg and value; returns whether a value was given.

@@ -34,19 +34,6 @@ bool fileExists(const std::string& path)
     return stat(path.c_str(), &st) == 0 && S_ISREG(st.st_mode);
 }
 
-/// A texture named relative to the costume file, else as an art name.
-Glib::ustring resolveTexture(const Glib::ustring& costumePath, const Glib::ustring& uri)
-{
-    if (uri.empty() || uri[0] == '/')
-        return uri;
-    const Glib::ustring::size_type slash = costumePath.rfind('/');
-    const Glib::ustring beside = (slash == Glib::ustring::npos ? Glib::ustring() : costumePath.substr(0, slash + 1)) + uri;
-    if (fileExists(beside))
-        return beside;
-    const Glib::ustring art = CSystemData::Instance()->FindArt(uri);
-    return art.empty() ? beside : art;
-}
-
 tFixed fixedOf(const QJN::Value& v) { return tFixed::fromDouble(v.asDouble()); }
 
 } // namespace
@@ -104,6 +91,18 @@ int AvatarCostume::mapLOD(int requested, const std::vector<int>& sizes)
     for (int s : sizes)
         largest = std::max(largest, s);
     return largest;
+}
+
+Glib::ustring AvatarCostume::texturePath(const Glib::ustring& costumePath, const Glib::ustring& uri)
+{
+    if (uri.empty() || uri[0] == '/')
+        return uri;
+    const Glib::ustring::size_type slash = costumePath.rfind('/');
+    const Glib::ustring beside = (slash == Glib::ustring::npos ? Glib::ustring() : costumePath.substr(0, slash + 1)) + uri;
+    if (fileExists(beside))
+        return beside;
+    const Glib::ustring art = CSystemData::Instance()->FindArt(uri);
+    return art.empty() ? beside : art;
 }
 
 void AvatarCostume::addAudio(const Glib::ustring& name, const Glib::ustring& uri)
@@ -169,7 +168,7 @@ void AvatarCostume::addFromJson(const Glib::ustring& path, int* lods, int count)
             debug().DebugOut(5, "Loading LOD %d - it's in the list.\n", size);
         }
         const Glib::ustring uri = lodValue["TextureURI"].asString();
-        tAvatarLOD* lod = addLOD(size, uri, resolveTexture(path, uri));
+        tAvatarLOD* lod = addLOD(size, uri, texturePath(path, uri));
         BaseUtils::Assert(lod->texture.get() != 0, kFile, __LINE__, "AvatarCostume::addFromJson could not find texture %s",
                           uri.c_str());
         const QJN::Value components = lodValue["ComponentList"];
@@ -240,7 +239,7 @@ void AvatarCostume::addFromDset(const Glib::ustring& path)
                               path.c_str(), i);
             continue;
         }
-        tAvatarLOD* lod = addLOD(lods[i].size, uri, resolveTexture(path, uri));
+        tAvatarLOD* lod = addLOD(lods[i].size, uri, texturePath(path, uri));
         for (uint32_t c = 0; c < lods[i].componentCount; ++c) {
             const char* componentName = reader.string(components[c].name);
             const tDsetCostumeVariation* variations =

@@ -75,6 +75,10 @@ public:
     /// The LOD size a requested size maps to: the smallest size not below it
     /// (and below 9999), else the largest; -1 when sizes is empty.
     static int mapLOD(int requested, const std::vector<int>& sizes);
+    /// The file an LOD's "TextureURI" loads from: beside the costume file
+    /// when it is there, else the art file of that name, else the name beside
+    /// the costume (which then fails to load); an absolute name as it is.
+    static Glib::ustring texturePath(const Glib::ustring& costumePath, const Glib::ustring& uri);
 
     /// Selects the LOD whose size is lod (or the one it maps to among those
     /// loaded); the pieces showing this costume rebuild themselves.

@@ -33,9 +33,6 @@ CTextureSheet::~CTextureSheet() {}
 void CTextureSheet::addFromJson(const Glib::ustring& path)
 {
     debug().DebugOut(3, "Adding file to textureMap: [%s]...\n", path.c_str());
-    const Glib::ustring::size_type slash = path.rfind('/');
-    const Glib::ustring prefix = slash == Glib::ustring::npos ? Glib::ustring() : path.substr(0, slash + 1);
-
     QJN::CJSonFile file(path);
     file.Load();
     const QJN::Value bitmaps = file.getRoot()["ImageData"];
@@ -46,9 +43,7 @@ void CTextureSheet::addFromJson(const Glib::ustring& path)
         const QJN::Value name = bitmap["Bitmap"];
         boost::shared_ptr<CTexture> texture;
         if (name.isString() && !name.asString().empty()) {
-            const Glib::ustring bitmapFile = name.asString();
-            const Glib::ustring full = bitmapFile[0] == '/' ? bitmapFile : prefix + bitmapFile;
-            texture = CTextureManager::Instance()->load(full, true, false, false);
+            texture = CTextureManager::Instance()->load(bitmapPath(path, name.asString()), true, false, false);
             if (texture)
                 mBitmaps.push_back(texture);
         } else {
@@ -75,6 +70,14 @@ void CTextureSheet::addFromJson(const Glib::ustring& path)
             e.texture = texture;
         }
     }
+}
+
+Glib::ustring CTextureSheet::bitmapPath(const Glib::ustring& sheetPath, const Glib::ustring& bitmap)
+{
+    if (!bitmap.empty() && bitmap[0] == '/')
+        return bitmap;
+    const Glib::ustring::size_type slash = sheetPath.rfind('/');
+    return (slash == Glib::ustring::npos ? Glib::ustring() : sheetPath.substr(0, slash + 1)) + bitmap;
 }
 
 tTextureSheetElement CTextureSheet::getElement(const Glib::ustring& name)

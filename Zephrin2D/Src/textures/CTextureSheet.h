@@ -41,6 +41,9 @@ public:
     /// Adds the pictures of one description; a picture of a name already
     /// present replaces it. Whatever the file lacks is read as zero.
     void addFromJson(const Glib::ustring& path);
+    /// The file a description at sheetPath loads for its "Bitmap": relative
+    /// to the description's directory, an absolute name as it is.
+    static Glib::ustring bitmapPath(const Glib::ustring& sheetPath, const Glib::ustring& bitmap);
     /// A copy of the named picture; all zero with an empty texture when unknown.
     tTextureSheetElement getElement(const Glib::ustring& name);
     /// Lists every picture on the debug service (level 3).

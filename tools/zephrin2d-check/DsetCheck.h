@@ -1,0 +1,54 @@
+#ifndef ZEPHRIN2D_CHECK_DSETCHECK_H
+#define ZEPHRIN2D_CHECK_DSETCHECK_H
+
+#include "Report.h"
+
+#include <boost/shared_ptr.hpp>
+#include <set>
+#include <stdint.h>
+#include <string>
+
+class CDataset;
+class CDsetReader;
+class ContentCheck;
+
+/// Checks an actor or costume dataset: loads it as the platform does (and
+/// reports why it is refused), walks its records as the loaders do, and
+/// compares the pointer fields met with those the relink file lists.
+/// A place in a dataset is reported as line 1, column = byte offset + 1.
+class DsetCheck
+{
+public:
+    DsetCheck(Report& report, ContentCheck& content);
+    ~DsetCheck();
+
+    /// Whether path ends in ".dsetBin" or starts with the dataset magic number.
+    static bool looksLikeDataset(const std::string& path);
+
+    void check(const std::string& path);
+
+private:
+    void error(uint32_t offset, const std::string& message);
+    void error(const void* at, const std::string& message);
+    void warning(const void* at, const std::string& message);
+    /// The value of a pointer field, noted as met; 0 (with an error) when the relink file misses it.
+    uint32_t pointer(const uint32_t& field);
+    /// Whether pointer() refused the field.
+    bool refused(const uint32_t& field) const;
+    const char* string(const uint32_t& field, const char* what);
+    void checkActor(const void* data);
+    void checkCostume(const void* data);
+
+    Report& mReport;
+    ContentCheck& mContent;
+    std::string mPath;
+    std::string mRelinkPath;
+    std::string mDirectory;
+    boost::shared_ptr<CDataset> mDataset;
+    CDsetReader* mReader;
+    std::set<uint32_t> mRelink;
+    std::set<uint32_t> mFields;
+    bool mWalkComplete;
+};
+
+#endif
