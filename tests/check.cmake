@@ -6,10 +6,26 @@ if(Python3_Interpreter_FOUND)
       ${PROJECT_SOURCE_DIR}/docs/check.md ${CMAKE_CURRENT_SOURCE_DIR}/data/check)
   set_tests_properties(check-table PROPERTIES LABELS tools)
 endif()
-file(GLOB_RECURSE example_json CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/examples/*.json)
-add_test(NAME check-examples
-  COMMAND sh -c "out=$(\"$0\" \"$@\"); s=$?; echo \"$out\"; [ $s -eq 0 ] && [ $(echo \"$out\" | wc -l) -eq 1 ] && echo \"$out\" | grep -q ', 0 errors, 0 warnings$'"
-    $<TARGET_FILE:zephrin2d-check> --sheet examples/art/sheet.json --costume examples/demo/kid-costume.json
-    --art-path examples/demo ${example_json}
-  WORKING_DIRECTORY ${PROJECT_SOURCE_DIR})
-set_tests_properties(check-examples PROPERTIES LABELS tools)
+
+# Each example directory with the sheet and costume its scenes are drawn with.
+set(check_runs
+  "demo:--sheet examples/art/sheet.json --costume examples/demo/kid-costume.json --art-path examples/demo"
+  "art:"
+  "formats:--sheet examples/formats/sheet.json --costume examples/formats/costume.json")
+foreach(run ${check_runs})
+  string(FIND "${run}" ":" colon)
+  string(SUBSTRING "${run}" 0 ${colon} dir)
+  math(EXPR colon "${colon} + 1")
+  string(SUBSTRING "${run}" ${colon} -1 options)
+  separate_arguments(options)
+  file(GLOB files CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}
+    ${PROJECT_SOURCE_DIR}/examples/${dir}/*.json ${PROJECT_SOURCE_DIR}/examples/${dir}/*.dsetBin)
+  if(NOT files)
+    continue()
+  endif()
+  add_test(NAME check-examples-${dir}
+    COMMAND sh -c "out=$(\"$0\" \"$@\"); s=$?; echo \"$out\"; [ $s -eq 0 ] && [ $(echo \"$out\" | wc -l) -eq 1 ] && echo \"$out\" | grep -q ', 0 errors, 0 warnings$'"
+      $<TARGET_FILE:zephrin2d-check> ${options} ${files}
+    WORKING_DIRECTORY ${PROJECT_SOURCE_DIR})
+  set_tests_properties(check-examples-${dir} PROPERTIES LABELS tools)
+endforeach()

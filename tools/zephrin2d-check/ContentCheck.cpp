@@ -34,13 +34,13 @@ const std::vector<const char*> kSpriteKeys = with(kGraphic, {"ElementType", "ID"
 const std::vector<const char*> kCelKeys = with(kSpriteKeys, {"Duration", "Operations"});
 const std::vector<const char*> kAnimationCelKeys = with(kCelKeys, {"Label"});
 const std::vector<const char*> kActorKeys = with(kGraphic, {"ElementType", "ID", "Animation"});
-const std::vector<const char*> kActorFileKeys = with(kGraphic, {"Animation"});
+const std::vector<const char*> kActorFileKeys = with(kGraphic, {"Animation", "$schema"});
 const std::vector<const char*> kPieceKeys = with(kGraphic, {"ElementType", "ID", "Component", "Variation"});
 const std::vector<const char*> kOperationKeys = {"Opcode", "Oparg"};
-const std::vector<const char*> kSheetKeys = {"ImageData"};
+const std::vector<const char*> kSheetKeys = {"ImageData", "$schema"};
 const std::vector<const char*> kBitmapKeys = {"Bitmap", "Images"};
 const std::vector<const char*> kPictureKeys = {"Name", "P1", "P2", "RegPoint", "CropRect"};
-const std::vector<const char*> kCostumeKeys = {"LODList", "AudioList"};
+const std::vector<const char*> kCostumeKeys = {"LODList", "AudioList", "$schema"};
 const std::vector<const char*> kLODKeys = {"Size", "TextureURI", "ComponentList"};
 const std::vector<const char*> kComponentKeys = {"Name", "Variations"};
 const std::vector<const char*> kVariationKeys = {"Name",     "RectLeft",  "RectTop",  "RectRight",
@@ -706,8 +706,8 @@ void ContentCheck::checkSheet(const Json::Value& root)
             }
             numberArray(picture, "P1", 2, 2, true, true, "a picture");
             numberArray(picture, "P2", 2, 2, true, true, "a picture");
-            numberArray(picture, "RegPoint", 2, 2, true, true, "a picture");
-            numberArray(picture, "CropRect", 4, 4, true, true, "a picture");
+            numberArray(picture, "RegPoint", 2, 2, true, false, "a picture");
+            numberArray(picture, "CropRect", 4, 4, true, false, "a picture");
         }
     }
 }
@@ -745,7 +745,8 @@ void ContentCheck::checkCostume(const Json::Value& root)
         }
         keys(lod, "an LOD", kLODKeys);
         long long size = 0;
-        integerMember(lod, "Size", true, "an LOD", size);
+        if (integerMember(lod, "Size", true, "an LOD", size) && size <= 0)
+            error(lod["Size"], "\"Size\" " + std::to_string(size) + " is not a size: pieces are scaled by 100 / \"Size\"");
         std::string uri;
         if (!lod.isMember("TextureURI"))
             error(lod, "an LOD without \"TextureURI\": its pieces show nothing");
@@ -784,7 +785,9 @@ void ContentCheck::checkCostume(const Json::Value& root)
                 stringMember(variation, "Name", "a variation", true, ignored);
                 for (size_t k = 1; k < kVariationKeys.size(); ++k) {
                     const char* key = kVariationKeys[k];
-                    if (require(variation, key, "a variation") && !variation[key].isNumeric())
+                    // The registration point defaults to the rectangle's corner; the rectangle is needed.
+                    const bool present = k <= 4 ? require(variation, key, "a variation") : variation.isMember(key);
+                    if (present && !variation[key].isNumeric())
                         error(variation[key], quoted(key) + " must be a number");
                 }
             }
