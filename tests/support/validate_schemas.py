@@ -1,7 +1,7 @@
 #!/usr/bin/python3
-"""Checks the content schemas: every scene, actor, sheet and costume file
-under EXAMPLES validates, and every line of BROKEN/expected.txt names an
-error its file gets.
+"""Checks the content schemas: every JSON file under EXAMPLES is a scene,
+actor, sheet or costume that validates, and every line of
+BROKEN/expected.txt names an error its file gets.
 
 Usage: validate_schemas.py SCHEMAS EXAMPLES BROKEN
 """
@@ -51,9 +51,11 @@ def main(schemas, examples, broken):
             with open(path) as f:
                 doc = json.load(f)
             kind = kind_of(doc)
-            if kind:
-                checked += 1
-                failures += ["%s: %s: %s" % (path, where, message) for _, where, message in errors(validators[kind], doc)]
+            if not kind:
+                failures.append("%s: neither a scene, an actor, a sheet nor a costume" % path)
+                continue
+            checked += 1
+            failures += ["%s: %s: %s" % (path, where, message) for _, where, message in errors(validators[kind], doc)]
 
     with open(os.path.join(broken, "expected.txt")) as f:
         lines = [line.split() for line in f if line.strip() and not line.startswith("#")]
