@@ -21,8 +21,14 @@ export DISPLAY=":$n"
 "$RENDER" "$SCENE" --default-path "$ART" --frames 5 --out "$OUT/render.png" >/dev/null 2>&1 || { echo "render failed"; exit 1; }
 "$VIEW" "$SCENE" --default-path "$ART" --frames 150 --screenshot "$OUT/view.png" &
 viewer=$!
-sleep 1.2
-xwd -root -silent >"$OUT/window.xwd" || { echo "xwd failed"; exit 1; }
+# A loaded machine may take a while to show the window: dump until it is there.
+i=0
+while :; do
+  sleep 0.6
+  xwd -root -silent >"$OUT/window.xwd" || { echo "xwd failed"; exit 1; }
+  "$DIFF" "$OUT/window.xwd" "$OUT/render.png" 2 0 >/dev/null || [ $((i += 1)) -ge 6 ] || continue
+  break
+done
 wait $viewer || { echo "viewer failed"; exit 1; }
 
 "$DIFF" "$OUT/view.png" "$OUT/render.png" 2 0 || { echo "viewer read-back differs from the render"; exit 1; }
