@@ -12,6 +12,8 @@ PACKAGES="build-essential cmake pkg-config git
 PACKAGES="$PACKAGES python3-jsonschema"
 # The mistakes-table test of zephrin2d-check reads its table with Python.
 PACKAGES="$PACKAGES python3"
+# stb_rect_pack.h, the rectangle packer behind zephrin2d-pack.
+PACKAGES="$PACKAGES libstb-dev"
 # With --reliability also what the fuzz targets, the sanitizer runs and the
 # leak check need (clang with libFuzzer and the sanitizer runtimes, valgrind).
 RELIABILITY_PACKAGES="clang-14 libclang-rt-14-dev llvm-14 valgrind python3"

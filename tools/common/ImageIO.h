@@ -19,6 +19,10 @@ struct tImage
 };
 
 bool writePNG(const std::string& path, const tImage& image);
+/// A 4-bit or 8-bit paletted PNG: palette entries 0xRRGGBBAA, one index per
+/// pixel; a tRNS chunk only when some entry is not opaque.
+bool writePalettedPNG(const std::string& path, int width, int height, int bits,
+                      const std::vector<uint32_t>& palette, const std::vector<uint8_t>& indices);
 bool readPNG(const std::string& path, tImage& image);
 
 struct tDifference
