@@ -4,3 +4,8 @@ add_test(NAME pack-tool
     ${CMAKE_CURRENT_BINARY_DIR}/pack-tool)
 set_tests_properties(pack-tool PROPERTIES LABELS tools)
 
+# zephrin2d-dset's image lookup and zephrin2d-dump on datasets.
+add_test(NAME dataset-tools-images-and-dump
+  COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/dataset_tools_test.sh $<TARGET_FILE:zephrin2d-dset> $<TARGET_FILE:zephrin2d-dump>
+    ${PROJECT_SOURCE_DIR}/examples ${CMAKE_CURRENT_BINARY_DIR}/dataset-tools)
+set_tests_properties(dataset-tools-images-and-dump PROPERTIES LABELS tools)

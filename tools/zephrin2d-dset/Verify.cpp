@@ -1,6 +1,7 @@
 #include "Verify.h"
 
 #include "CAvatarCostume.h"
+#include "CTextureSheet.h"
 
 #include <sstream>
 
@@ -43,10 +44,10 @@ bool sameCostume(const AvatarCostume& a, const AvatarCostume& b, std::string& er
 } // namespace
 
 bool verifyActor(const std::string& jsonPath, const std::string& dsetPath, AvatarCostume* costume,
-                 std::string& error);
+                 CTextureSheet* sheet, std::string& error);
 
 bool verifyDataset(DsetCompiler::tKind kind, const std::string& jsonPath, const std::string& dsetPath,
-                   const std::string& costumePath, std::string& error)
+                   const std::string& costumePath, const std::string& sheetPath, std::string& error)
 {
     if (kind == DsetCompiler::KIND_COSTUME) {
         AvatarCostume fromJson, fromDset;
@@ -57,5 +58,8 @@ bool verifyDataset(DsetCompiler::tKind kind, const std::string& jsonPath, const 
     AvatarCostume costume;
     if (!costumePath.empty())
         costume.addFromFile(costumePath, 0, 0);
-    return verifyActor(jsonPath, dsetPath, costumePath.empty() ? 0 : &costume, error);
+    CTextureSheet sheet;
+    if (!sheetPath.empty())
+        sheet.addFromJson(sheetPath);
+    return verifyActor(jsonPath, dsetPath, costumePath.empty() ? 0 : &costume, sheetPath.empty() ? 0 : &sheet, error);
 }

@@ -1,12 +1,16 @@
 // zephrin2d-dset: compiles an actor or costume JSON file into a dataset.
 #include "DsetCompiler.h"
+#include "ImageCheck.h"
 #include "Verify.h"
 
 #include "CGraphics2D.h"
 
+#include <SystemData.h>
+
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <vector>
 
 static void usage(FILE* out)
 {
@@ -23,7 +27,16 @@ static void usage(FILE* out)
             "                     content as the JSON file (needs a GL context: headless)\n"
             "  --costume FILE     the costume that an actor's avatar pieces come from\n"
             "                     (for --verify of an actor with avatar pieces)\n"
+            "  --sheet FILE       the texture sheet the actor's billboards are looked up in\n"
+            "                     first, as the runtime will be given it\n"
+            "  --art-path DIR     a directory searched for art (costume textures) before\n"
+            "                     ZEPHRIN2D_ART_PATH; may be given more than once\n"
             "  -h, --help         show this help\n"
+            "\n"
+            "Every image is looked up as the runtime will for the dataset: a billboard's\n"
+            "name in the sheet, then as a file beside the dataset; a costume texture\n"
+            "beside the dataset, then in the art directories. A missing image is an\n"
+            "error, named with where it was sought.\n"
             "\n"
             "Errors name the file and the JSON path of the offending value.\n"
             "Exit status: 0 success, 1 compile or verify error, 2 bad usage.\n");
@@ -31,7 +44,7 @@ static void usage(FILE* out)
 
 int main(int argc, char** argv)
 {
-    std::string input, output, costume;
+    std::string input, output, costume, sheet;
     bool verify = false;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
@@ -40,12 +53,15 @@ int main(int argc, char** argv)
             return 0;
         } else if (arg == "--verify") {
             verify = true;
-        } else if (arg == "--costume") {
+        } else if (arg == "--costume" || arg == "--sheet" || arg == "--art-path") {
             if (++i >= argc) {
                 fprintf(stderr, "zephrin2d-dset: %s needs a value\n", arg.c_str());
                 return 2;
             }
-            costume = argv[i];
+            if (arg == "--art-path")
+                CSystemData::Instance()->AddArtPath(argv[i]);
+            else
+                (arg == "--costume" ? costume : sheet) = argv[i];
         } else if (arg == "-o" || arg == "--output") {
             if (++i >= argc) {
                 fprintf(stderr, "zephrin2d-dset: %s needs a value\n", arg.c_str());
@@ -72,7 +88,16 @@ int main(int argc, char** argv)
             output.resize(output.size() - 5);
     }
     std::string error;
-    DsetCompiler::tKind kind;
+    DsetCompiler::tKind kind = DsetCompiler::detectKind(input, error);
+    std::vector<std::string> missing;
+    // --verify also loads the JSON file, whose images are sought beside it.
+    if (kind != DsetCompiler::KIND_UNKNOWN &&
+        (!checkImages(kind, input, output + ".dsetBin", sheet, missing) ||
+         (verify && !checkImages(kind, input, input, sheet, missing)))) {
+        for (const std::string& m : missing)
+            fprintf(stderr, "zephrin2d-dset: %s\n", m.c_str());
+        return 1;
+    }
     if (!DsetCompiler::compileFile(input, output, kind, error)) {
         fprintf(stderr, "zephrin2d-dset: %s\n", error.c_str());
         return 1;
@@ -80,7 +105,7 @@ int main(int argc, char** argv)
     printf("%s: wrote %s.dsetBin and %s.relinkBin\n", input.c_str(), output.c_str(), output.c_str());
     if (verify) {
         CGraphics2D::Instance()->init(tVect2{tFixed(16), tFixed(16)}, tColor{0, 0, 0, 255}, 0, 0);
-        const bool same = verifyDataset(kind, input, output + ".dsetBin", costume, error);
+        const bool same = verifyDataset(kind, input, output + ".dsetBin", costume, sheet, error);
         CGraphics2D::Instance()->cleanup();
         if (!same) {
             fprintf(stderr, "zephrin2d-dset: verify failed: %s\n", error.c_str());
