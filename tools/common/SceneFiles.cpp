@@ -1,5 +1,6 @@
 #include "SceneFiles.h"
 
+#include "CActor2D.h"
 #include "CAvatarCostume.h"
 #include "CBaseActor.h"
 #include "CDrawManager.h"
@@ -37,7 +38,9 @@ int SceneOptions::parse(int argc, char** argv, int& i, std::string& error)
     std::string arg = argv[i];
     std::string value;
     const bool hasValue = splitValue(arg, value);
+    std::string actor;
     std::string* target = arg == "--sheet" ? &sheet
+                        : arg == "--actor" ? &actor
                         : arg == "--costume" ? &costume
                         : arg == "--art-path" ? &artPath
                         : arg == "--default-path" ? &defaultPath
@@ -56,6 +59,8 @@ int SceneOptions::parse(int argc, char** argv, int& i, std::string& error)
         return -1;
     }
     *target = value;
+    if (arg == "--actor")
+        actors.push_back(value);
     if (arg == "--default-path")
         hasDefaultPath = true;
     return 1;
@@ -75,7 +80,9 @@ const char* SceneOptions::help()
            "  --costume FILE      an avatar costume (JSON or .dsetBin) for avatar pieces\n"
            "  --art-path DIR      a directory searched for art (before ZEPHRIN2D_ART_PATH)\n"
            "  --default-path P    prefix of billboard file names (plain concatenation;\n"
-           "                      default: the scene file's directory)\n";
+           "                      default: the scene file's directory)\n"
+           "  --actor FILE        also an actor file (JSON or .dsetBin), at its own\n"
+           "                      position, with the sheet and costume; repeatable\n";
 }
 
 SceneFiles::SceneFiles(const SceneOptions& options) : mOptions(options), mArtPathAdded(false) {}
@@ -120,7 +127,14 @@ bool SceneFiles::loadFiles(std::string& error)
         loader.setCostume(mCostume.get());
     }
     loader.setDefaultPath(mOptions.billboardPrefix());
-    const CSceneLoaderJson::tElementList elements = loader.parseJsonFile(mOptions.scene.c_str());
+    CSceneLoaderJson::tElementList elements = loader.parseJsonFile(mOptions.scene.c_str());
+    for (const std::string& file : mOptions.actors) {
+        boost::shared_ptr<CActor2D> actor(new CActor2D());
+        if (actor->loadFile(file, mCostume.get(), mSheet.get()))
+            elements.push_back(actor);
+        else
+            std::fprintf(stderr, "%s: the actor does not load\n", file.c_str());
+    }
     mManager.reset(new CActorManager());
     for (size_t i = 0; i < elements.size(); ++i) {
         if (!elements[i])

@@ -21,6 +21,7 @@ struct SceneOptions
     std::string artPath;      ///< --art-path: a directory searched for art
     std::string defaultPath;  ///< --default-path: prefix of billboard file names
     bool hasDefaultPath = false;
+    std::vector<std::string> actors;  ///< --actor: actor files (JSON or .dsetBin) added to the scene
 
     /// Takes argv[i] (and its value) when it is a scene option: returns 1 when
     /// taken, 0 when it is no scene option, -1 on a bad value (error says why).
