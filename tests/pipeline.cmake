@@ -7,5 +7,5 @@ add_test(NAME example-pipeline
     sh ${PROJECT_SOURCE_DIR}/examples/pipeline/pipeline.sh ${pipeline_out})
 set_tests_properties(example-pipeline PROPERTIES LABELS tools FIXTURES_SETUP pipeline FAIL_REGULAR_EXPRESSION "ASSERT")
 add_test(NAME example-pipeline-picture
-  COMMAND z2d-imgdiff ${pipeline_out}/pipeline.png ${PROJECT_SOURCE_DIR}/docs/pipeline.png 2 0)
+  COMMAND z2d-imgdiff ${pipeline_out}/pipeline.png ${PROJECT_SOURCE_DIR}/docs/images/pipeline.png 2 0)
 set_tests_properties(example-pipeline-picture PROPERTIES LABELS tools FIXTURES_REQUIRED pipeline)
