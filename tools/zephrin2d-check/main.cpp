@@ -19,7 +19,7 @@ static void usage(FILE* out)
             "the loaders read, and the images they name as the loaders find them. Each\n"
             "problem is printed once as FILE:LINE:COLUMN: error|warning: message, then a\n"
             "summary line. In a dataset the place is line 1, column = byte offset + 1.\n"
-            "The --sheet and --costume files are checked too.\n"
+            "The --sheet, --costume and --actor files are checked too.\n"
             "\n"
             "Options:\n"
             "%s"
@@ -86,6 +86,9 @@ int main(int argc, char** argv)
     for (const std::string* extra : {&options.sheet, &options.costume})
         if (!extra->empty() && std::find(files.begin(), files.end(), *extra) == files.end())
             check.check(*extra, extra == &options.sheet ? ContentCheck::Sheet : ContentCheck::Unknown);
+    for (const std::string& actor : options.actors)
+        if (std::find(files.begin(), files.end(), actor) == files.end())
+            check.check(actor, ContentCheck::Unknown);
     for (const std::string& file : files)
         check.check(file, kind);
     if (json)
