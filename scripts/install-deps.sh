@@ -14,6 +14,10 @@ PACKAGES="$PACKAGES python3-jsonschema"
 PACKAGES="$PACKAGES python3"
 # stb_rect_pack.h, the rectangle packer behind zephrin2d-pack.
 PACKAGES="$PACKAGES libstb-dev"
+# The XML parser of zephrin2d-import (Tiled's .tmx and .tsx files).
+PACKAGES="$PACKAGES libtinyxml2-dev"
+# Tiled itself: the importer's tests export maps to JSON with it.
+PACKAGES="$PACKAGES tiled"
 # With --reliability also what the fuzz targets, the sanitizer runs and the
 # leak check need (clang with libFuzzer and the sanitizer runtimes, valgrind).
 RELIABILITY_PACKAGES="clang-14 libclang-rt-14-dev llvm-14 valgrind python3"

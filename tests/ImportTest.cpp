@@ -1,0 +1,105 @@
+#include "TestSupport.h"
+
+#include "Importer.h"
+
+#include "CActor2D.h"
+#include "CDrawManager.h"
+#include "CSceneLoaderJson.h"
+#include "CTextureSheet.h"
+
+#include <boost/make_shared.hpp>
+#include <memory>
+
+namespace {
+
+const tColor WHITE{255, 255, 255, 255};
+const tColor YELLOW{255, 255, 0, 255};
+const tColor DARK{0, 0, 0, 255};
+
+/// Imports a file of tests/data/import into a scratch directory and loads its sheet.
+class ImportTest : public GLTest
+{
+protected:
+    std::string import(const std::string& input, const std::string& name)
+    {
+        tImportOptions options;
+        options.input = testDataPath("import/" + input);
+        options.outDir = scratchDir("import");
+        options.name = name;
+        Diagnostics diag;
+        std::vector<std::string> report;
+        EXPECT_EQ(runImport(options, diag, report), 0) << (diag.lines().empty() ? "" : diag.lines()[0]);
+        sheet.reset(new CTextureSheet(options.outDir + "/" + name + "-sheet.json"));
+        return options.outDir + "/" + name + ".json";
+    }
+    std::unique_ptr<CTextureSheet> sheet;
+};
+
+TEST_F(ImportTest, MapDrawsItsTilesLayerByLayer)
+{
+    CSceneLoaderJson loader;
+    const std::string scene = import("map.tmx", "map");
+    loader.setTextureSheet(sheet.get());
+    CSceneLoaderJson::tElementList elements = loader.parseJsonFile(const_cast<char*>(scene.c_str()));
+    for (const auto& e : elements)
+        CDrawManager::Instance()->add(e);
+    ASSERT_EQ(loader.getActors().size(), 1u);
+    CActor2D* water = static_cast<CActor2D*>(loader.getActors()[0].get());
+
+    GLRecorder::resetCounters();
+    frame();
+    EXPECT_EQ(GLRecorder::counters().drawCalls, 2u) << "two layers on one page";
+    // Cells are 8 pixels; the map's top row is at the top. Tiles carry a white
+    // and a dark pixel at their top-left and a transparent one at their bottom-right.
+    const struct { int x, y; tColor colour; const char* what; } pixels[] = {
+        {4, 20, RED, "ground, top row"},           {28, 12, GREEN, "ground, right"},
+        {4, 4, BLUE, "ground, bottom row"},        {28, 4, GREEN, "rotated tile over the ground"},
+        {0, 23, WHITE, "upright marker"},          {1, 23, DARK, "upright marker"},
+        {15, 23, WHITE, "mirrored marker"},        {14, 23, DARK, "mirrored marker"},
+        {8, 16, RED, "ground through the flipped tile's hole"},
+        {24, 0, WHITE, "diagonal and vertical flip"}, {24, 1, DARK, "diagonal and vertical flip"},
+        {20, 12, YELLOW, "animated tile, first frame"}, {40, 30, BLACK, "outside the map"},
+    };
+    for (const auto& p : pixels)
+        EXPECT_EQ(pixel(p.x, p.y), p.colour) << p.what << " at " << p.x << ", " << p.y;
+    const struct { int dt; tColor colour; } steps[] = {{99, YELLOW}, {1, BLUE}, {199, BLUE}, {1, YELLOW}};
+    for (const auto& s : steps) {
+        water->update(s.dt);
+        frame();
+        EXPECT_EQ(pixel(20, 12), s.colour) << "after " << s.dt << " ms more";
+    }
+}
+
+TEST_F(ImportTest, AsepriteTagsPlayInTheirDirection)
+{
+    const std::string actorFile = import("hero-hash.json", "hero");
+    boost::shared_ptr<CActor2D> actor = boost::make_shared<CActor2D>(actorFile, nullptr, sheet.get());
+    actor->moveTo(tVect2{tFixed(20), tFixed(20)});
+    CDrawManager::Instance()->add(actor);
+    const tColor frames[4] = {RED, GREEN, BLUE, YELLOW};
+    const int durations[4] = {10, 20, 30, 40};
+    const struct { const char* tag; std::vector<int> order; } tags[] = {
+        {"walk", {0, 1, 2, 0}},
+        {"back", {3, 2, 1, 3}},
+        {"bounce", {0, 1, 2, 3, 2, 1, 0}},
+        {"twice", {3, 2, 3, 2, 2}},  // three passes, then it holds
+    };
+    for (const auto& t : tags) {
+        SCOPED_TRACE(t.tag);
+        actor->gotoAndPlay(t.tag);
+        for (size_t i = 0; i < t.order.size(); ++i) {
+            const int f = t.order[i];
+            frame();
+            // The slice's pivot, pixel (2, 5) of every frame, is white at the actor's position.
+            EXPECT_EQ(pixel(20, 19), WHITE) << "cel " << i;
+            EXPECT_EQ(pixel(23, 21), frames[f]) << "cel " << i;
+            actor->update(durations[f] - 1);
+            frame();
+            EXPECT_EQ(pixel(23, 21), frames[f]) << "cel " << i << " one millisecond early";
+            actor->update(1);
+        }
+    }
+    EXPECT_FALSE(actor->isPlaying());
+}
+
+} // namespace

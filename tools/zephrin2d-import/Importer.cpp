@@ -1,0 +1,130 @@
+#include "Importer.h"
+
+#include "Aseprite.h"
+#include "MapImporter.h"
+
+#include <cstdio>
+#include <fstream>
+#include <sys/stat.h>
+
+namespace {
+
+enum class eKind { Aseprite, TiledJson, Tmx, Tileset, Unknown };
+
+eKind detect(const std::string& text, const JsonDocument& doc)
+{
+    size_t i = text.compare(0, 3, "\xEF\xBB\xBF") == 0 ? 3 : 0;
+    while (i < text.size() && isspace(static_cast<unsigned char>(text[i])))
+        ++i;
+    if (i < text.size() && text[i] == '<') {
+        // The root element's name decides.
+        size_t at = i;
+        while ((at = text.find('<', at)) != std::string::npos) {
+            const char next = at + 1 < text.size() ? text[at + 1] : 0;
+            if (next != '?' && next != '!')
+                break;
+            ++at;
+        }
+        if (at != std::string::npos && text.compare(at, 4, "<map") == 0)
+            return eKind::Tmx;
+        if (at != std::string::npos && text.compare(at, 8, "<tileset") == 0)
+            return eKind::Tileset;
+        return eKind::Unknown;
+    }
+    if (isAsepriteSheet(doc.root()))
+        return eKind::Aseprite;
+    if (isTiledJsonMap(doc.root()))
+        return eKind::TiledJson;
+    if (doc.root().isObject() && doc.root()["type"].asString() == "tileset")
+        return eKind::Tileset;
+    return eKind::Unknown;
+}
+
+bool writeFile(const std::string& path, const std::string& text)
+{
+    const std::string temp = path + ".tmp";
+    {
+        std::ofstream out(temp, std::ios::binary);
+        if (!(out << text) || !out.flush())
+            return false;
+    }
+    return rename(temp.c_str(), path.c_str()) == 0;
+}
+
+} // namespace
+
+int runImport(const tImportOptions& options, Diagnostics& diag, std::vector<std::string>& report)
+{
+    std::string text;
+    if (!readTextFile(options.input, text)) {
+        diag.error(options.input, 1, 1, "cannot be read");
+        return 1;
+    }
+    JsonDocument doc;
+    const bool looksJson = text.find_first_not_of(" \t\r\n") != std::string::npos &&
+                           text[text.find_first_not_of(" \t\r\n")] == '{';
+    if (looksJson && !doc.load(options.input, diag))
+        return 1;
+    const std::string name = options.name.empty() ? stemOf(options.input) : options.name;
+
+    tImportResult result;
+    bool ok = false;
+    switch (detect(text, doc)) {
+    case eKind::Aseprite: {
+        tAsepriteOptions a;
+        a.name = name;
+        a.once = options.once;
+        ok = importAseprite(doc, a, result, diag);
+        break;
+    }
+    case eKind::TiledJson:
+    case eKind::Tmx: {
+        tTiledMap map;
+        ok = (looksJson ? readTiledJsonMap(doc, map, diag) : readTmxMap(options.input, map, diag)) &&
+             importTiledMap(map, result, diag);
+        break;
+    }
+    case eKind::Tileset:
+        diag.error(options.input, 1, 1, "a tileset alone is not imported: import a map that uses it");
+        return 1;
+    case eKind::Unknown:
+        diag.error(options.input, 1, 1,
+                   "neither an Aseprite sprite sheet (JSON with \"frames\" and \"meta\") nor a Tiled map "
+                   "(.tmx, or JSON with \"layers\" and \"tilesets\")");
+        return 1;
+    }
+    if (!ok || diag.failed())
+        return 1;
+
+    std::vector<SheetPacker::tPicture> pictures;
+    for (tImportPicture& p : result.pictures) {
+        SheetPacker::tPicture picture;
+        picture.name = p.name;
+        picture.source = options.input;
+        picture.image = std::move(p.image);
+        picture.regX = p.regX;
+        picture.regY = p.regY;
+        pictures.push_back(std::move(picture));
+    }
+    const std::string base = options.outDir + "/" + name;
+    SheetPacker::tOptions pack = options.pack;
+    pack.output = base + "-sheet";
+    SheetPacker::tSheet sheet;
+    std::vector<std::string> errors;
+    mkdir(options.outDir.c_str(), 0777);
+    if (!SheetPacker::pack(pictures, pack, sheet, errors) || !SheetPacker::write(sheet, pack.output, errors)) {
+        for (const std::string& e : errors)
+            diag.errorLine(e);
+        return 1;
+    }
+    if (!writeFile(base + ".json", result.content)) {
+        diag.error(base + ".json", 1, 1, "cannot be written");
+        return 1;
+    }
+    report.push_back(base + ".json: " + result.kind + ", " + base + "-sheet.json: " +
+                     std::to_string(sheet.pictures.size()) + " pictures on " + std::to_string(sheet.pages.size()) +
+                     (sheet.pages.size() == 1 ? " page" : " pages"));
+    for (const std::string& note : result.notes)
+        report.push_back("  " + note);
+    return 0;
+}
