@@ -1,6 +1,7 @@
 #include "TestSupport.h"
 
 #include "Importer.h"
+#include "TiledMap.h"
 
 #include "CActor2D.h"
 #include "CDrawManager.h"
@@ -100,6 +101,71 @@ TEST_F(ImportTest, AsepriteTagsPlayInTheirDirection)
         }
     }
     EXPECT_FALSE(actor->isPlaying());
+}
+
+TEST_F(ImportTest, EveryFlipOfATileDrawsAsTiledShowsIt)
+{
+    // Eight cells in a row: the green tile under each combination of the horizontal,
+    // vertical and diagonal bits.
+    std::string gids;
+    for (uint32_t i = 0; i < 8; ++i)
+        gids += (i ? "," : "") + std::to_string(2u | (i & 4 ? TILED_FLIP_H : 0) | (i & 2 ? TILED_FLIP_V : 0) |
+                                                 (i & 1 ? TILED_FLIP_D : 0));
+    writeFile(scratchDir("import") + "/flips.tmx",
+              "<map orientation=\"orthogonal\" width=\"8\" height=\"1\" tilewidth=\"8\" tileheight=\"8\">"
+              "<tileset firstgid=\"1\" source=\"" + testDataPath("import/tiles.tsx") + "\"/>"
+              "<layer name=\"l\" width=\"8\" height=\"1\"><data encoding=\"csv\">" + gids + "</data></layer></map>");
+    tImportOptions options;
+    options.input = scratchDir("import") + "/flips.tmx";
+    options.outDir = scratchDir("import");
+    Diagnostics diag;
+    std::vector<std::string> report;
+    ASSERT_EQ(runImport(options, diag, report), 0);
+    CTextureSheet flipSheet(options.outDir + "/flips-sheet.json");
+    CSceneLoaderJson loader;
+    loader.setTextureSheet(&flipSheet);
+    for (const auto& e : loader.parseJsonFile(const_cast<char*>((options.outDir + "/flips.json").c_str())))
+        CDrawManager::Instance()->add(e);
+    frame();
+    for (int i = 0; i < 8; ++i) {
+        // Tiled's order: the diagonal flip (a transpose) first, then the mirrors, in image pixels.
+        const struct { int x, y; tColor colour; } markers[] = {{0, 0, WHITE}, {1, 0, DARK}};
+        for (const auto& m : markers) {
+            int x = m.x, y = m.y;
+            if (i & 1)
+                std::swap(x, y);
+            if (i & 4)
+                x = 7 - x;
+            if (i & 2)
+                y = 7 - y;
+            EXPECT_EQ(pixel(i * 8 + x, 7 - y), m.colour) << "flips " << i << ", marker at " << x << ", " << y;
+        }
+    }
+}
+
+TEST(TileData, EncodingsGiveTheSameTiles)
+{
+    const std::vector<uint32_t> tiles = {1, 2, 0x80000003u};
+    const struct { const char* encoding; const char* compression; const char* text; const char* error; } cases[] = {
+        {"csv", "", "1,2,\n2147483651\n", ""},
+        {"base64", "", " AQAAAAIAAAADAACA\n", ""},
+        {"base64", "zlib", "eJxjZGBgYAJiZgaGBgAAtACH", ""},
+        {"base64", "gzip", "H4sIAAAAAAACA2NkYGBgAmJmBoYGALOhWF0MAAAA", ""},
+        {"csv", "", "1,2", "holds 2 tiles where its size asks for 3"},
+        {"base64", "zlib", "AQAAAAIAAAADAACA", "cannot be uncompressed"},
+        {"base64", "zstd", "AQAAAAIAAAADAACA", "zstd-compressed tile data is not supported"},
+        {"base64", "", "AQ*A", "not base64"},
+    };
+    for (const auto& c : cases) {
+        std::vector<uint32_t> out;
+        std::string error;
+        const bool ok = decodeTileData(c.encoding, c.compression, c.text, 3, out, error);
+        EXPECT_EQ(ok, !*c.error) << c.encoding << " " << c.compression;
+        if (ok)
+            EXPECT_EQ(out, tiles) << c.encoding << " " << c.compression;
+        else
+            EXPECT_NE(error.find(c.error), std::string::npos) << error;
+    }
 }
 
 } // namespace

@@ -38,6 +38,13 @@ public:
 
     void error(const Json::Value& at, const std::string& message, Diagnostics& diag) const;
     void warning(const Json::Value& at, const std::string& message, Diagnostics& diag) const;
+    /// The line a value starts on.
+    int lineOf(const Json::Value& at) const
+    {
+        int line, column;
+        locate(at, line, column);
+        return line;
+    }
     /// Members of an object in the order the file gives them.
     std::vector<std::string> memberNamesInFileOrder(const Json::Value& object) const;
 

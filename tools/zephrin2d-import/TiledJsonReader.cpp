@@ -16,6 +16,7 @@ bool endsWith(const std::string& s, const char* suffix)
 bool readTilesetObject(JsonFields& f, const Json::Value& v, tTiledTileset& ts)
 {
     ts.file = f.doc().path();
+    ts.line = f.doc().lineOf(v);
     ts.name = v["name"].asString();
     bool ok = f.integer(v, "tilewidth", ts.tileWidth) && f.integer(v, "tileheight", ts.tileHeight);
     ok = ok && f.integer(v, "spacing", ts.spacing, false) && f.integer(v, "margin", ts.margin, false);
@@ -85,6 +86,7 @@ bool readLayerArray(JsonFields& f, const Json::Value& layers, tTiledMap& map, co
         }
         tTiledLayer layer;
         layer.name = v["name"].asString();
+        layer.line = f.doc().lineOf(v);
         layer.visible = inherited.visible && (!v.isMember("visible") || v["visible"].asBool());
         double opacity = 1.0, ox = 0, oy = 0;
         f.number(v, "opacity", opacity);
