@@ -14,7 +14,14 @@ add_test(NAME import-aseprite-hash-and-array
   COMMAND ${CMAKE_COMMAND} -DTOOL=$<TARGET_FILE:zephrin2d-import> ${import_check}
     -DFIRST=${import_data}/hero-hash.json -DSECOND=${import_data}/hero-array.json -DNAME=hero
     -DWORKDIR=${import_out}/hero -P ${CMAKE_CURRENT_SOURCE_DIR}/support/ImportSame.cmake)
-set_tests_properties(import-tmx-and-tiled-json import-aseprite-hash-and-array PROPERTIES LABELS tools)
+set_tests_properties(import-tmx-and-tiled-json import-aseprite-hash-and-array PROPERTIES LABELS tools
+  FIXTURES_SETUP imported-files)
+# Every scene, actor and sheet file the imports wrote matches its schema.
+find_program(Z2D_SYSTEM_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH)
+add_test(NAME import-outputs-match-schemas
+  COMMAND ${Z2D_SYSTEM_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/support/validate_schemas.py
+    ${PROJECT_SOURCE_DIR}/docs/schemas ${import_out} ${CMAKE_CURRENT_SOURCE_DIR}/data/broken-schema)
+set_tests_properties(import-outputs-match-schemas PROPERTIES LABELS tools FIXTURES_REQUIRED "imported-files;imported-example")
 
 # Refused input: the message names what is wrong, exit 1, nothing written.
 set(bad ${import_out}/bad)

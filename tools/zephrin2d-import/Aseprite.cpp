@@ -10,6 +10,7 @@
 namespace {
 
 const int MAX_DURATION = 65535;
+const int MAX_SIDE = 8192;
 
 struct tFrame
 {
@@ -68,6 +69,10 @@ bool readFrame(JsonFields& f, const Json::Value& v, tFrame& frame)
             f.error(v["duration"], "a duration must lie between 0 and 65535 milliseconds");
             ok = false;
         }
+    }
+    if (ok && (frame.sourceW > MAX_SIDE || frame.sourceH > MAX_SIDE)) {
+        f.error(v, "a frame may be at most " + std::to_string(MAX_SIDE) + " pixels on each side");
+        ok = false;
     }
     if (ok && (frame.w <= 0 || frame.h <= 0 || frame.srcX < 0 || frame.srcY < 0 ||
                frame.srcX + frame.w > frame.sourceW || frame.srcY + frame.h > frame.sourceH)) {

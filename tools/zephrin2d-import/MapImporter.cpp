@@ -3,6 +3,7 @@
 #include "ActorJson.h"
 #include "JsonText.h"
 
+#include <algorithm>
 #include <cmath>
 #include <set>
 
@@ -91,8 +92,8 @@ std::string colorFor(double opacity)
 
 bool importTiledMap(const tTiledMap& map, tImportResult& result, Diagnostics& diag)
 {
-    if (map.width <= 0 || map.height <= 0 || map.tileWidth <= 0 || map.tileHeight <= 0) {
-        diag.error(map.file, 1, 1, "the map's size and tile size must be positive");
+    if (!mapSizeProblem(map).empty()) {
+        diag.error(map.file, 1, 1, mapSizeProblem(map));
         return false;
     }
     std::vector<tTilesetPictures> sets(map.tilesets.size());
@@ -104,8 +105,11 @@ bool importTiledMap(const tTiledMap& map, tImportResult& result, Diagnostics& di
         set.prefix = prefix;
         for (int n = 2; !prefixes.insert(set.prefix).second; ++n)
             set.prefix = prefix + "-" + std::to_string(n);
-        if (ts.tileWidth <= 0 || ts.tileHeight <= 0) {
-            diag.error(ts.file, ts.line, 1, "tileset \"" + ts.name + "\": the tile size must be positive");
+        if (ts.tileWidth <= 0 || ts.tileHeight <= 0 || ts.tileWidth > 4096 || ts.tileHeight > 4096 ||
+            ts.margin < 0 || ts.spacing < 0) {
+            diag.error(ts.file, ts.line, 1, "tileset \"" + ts.name +
+                                                "\": the tile size must lie between 1 and 4096 pixels, the margin "
+                                                "and spacing must not be negative");
             continue;
         }
         if (!ImageIO::readPNG(ts.image, set.image)) {
@@ -122,7 +126,12 @@ bool importTiledMap(const tTiledMap& map, tImportResult& result, Diagnostics& di
                                      : (set.image.width - 2 * ts.margin + ts.spacing) / (ts.tileWidth + ts.spacing);
         const int rows = (set.image.height - 2 * ts.margin + ts.spacing) / (ts.tileHeight + ts.spacing);
         set.tileCount = ts.tileCount > 0 ? ts.tileCount : set.columns * rows;
-        if (set.columns <= 0 || (set.tileCount + set.columns - 1) / set.columns > rows) {
+        // The last tile's rectangle must lie inside the image.
+        const long lastRow = set.columns > 0 ? (set.tileCount - 1L) / set.columns : 0;
+        const long lastColumn = std::min<long>(set.columns, set.tileCount) - 1;
+        if (set.columns <= 0 || set.tileCount <= 0 ||
+            ts.margin + lastColumn * (ts.tileWidth + ts.spacing) + ts.tileWidth > set.image.width ||
+            ts.margin + lastRow * (ts.tileHeight + ts.spacing) + ts.tileHeight > set.image.height) {
             diag.error(ts.file, ts.line, 1, "tileset \"" + ts.name + "\": the image \"" + ts.image + "\" (" +
                                                 std::to_string(set.image.width) + "x" +
                                                 std::to_string(set.image.height) + ") is too small for its tiles");

@@ -55,6 +55,16 @@ bool inflateAll(const std::string& in, size_t expected, std::string& out)
 
 } // namespace
 
+std::string mapSizeProblem(const tTiledMap& map)
+{
+    const long MAX_CELLS = 1L << 22, MAX_TILE = 4096;
+    if (map.width <= 0 || map.height <= 0 || static_cast<long>(map.width) * map.height > MAX_CELLS)
+        return "the map must have 1 to " + std::to_string(MAX_CELLS) + " cells";
+    if (map.tileWidth <= 0 || map.tileHeight <= 0 || map.tileWidth > MAX_TILE || map.tileHeight > MAX_TILE)
+        return "the tile size must lie between 1 and " + std::to_string(MAX_TILE) + " pixels";
+    return std::string();
+}
+
 bool decodeTileData(const std::string& encoding, const std::string& compression, const std::string& text,
                     size_t count, std::vector<uint32_t>& gids, std::string& error)
 {

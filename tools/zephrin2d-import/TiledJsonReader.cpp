@@ -193,6 +193,10 @@ bool readTiledJsonMap(const JsonDocument& doc, tTiledMap& map, Diagnostics& diag
         !f.integer(root, "tilewidth", map.tileWidth) || !f.integer(root, "tileheight", map.tileHeight) ||
         !f.member(root, "tilesets", Json::arrayValue) || !f.member(root, "layers", Json::arrayValue))
         return false;
+    if (!mapSizeProblem(map).empty()) {
+        f.error(root, mapSizeProblem(map));
+        return false;
+    }
     bool ok = true;
     for (const Json::Value& v : root["tilesets"]) {
         tTiledTileset ts;

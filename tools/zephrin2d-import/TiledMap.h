@@ -64,6 +64,9 @@ bool isTiledJsonMap(const Json::Value& root);
 /// Reads an external tileset file (.tsx, or Tiled's JSON form) into tileset.
 bool readExternalTileset(const std::string& path, tTiledTileset& tileset, Diagnostics& diag);
 
+/// Empty when the map's size and tile size are usable, else why not.
+std::string mapSizeProblem(const tTiledMap& map);
+
 /// Tile layer data as Tiled stores it: "csv", or "base64" with compression
 /// "", "zlib" or "gzip". error is set when it cannot be decoded.
 bool decodeTileData(const std::string& encoding, const std::string& compression, const std::string& text,

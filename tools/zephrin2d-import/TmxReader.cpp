@@ -239,6 +239,10 @@ bool readTmxMap(const std::string& path, tTiledMap& map, Diagnostics& diag)
     if (!file.integer(root, "width", map.width) || !file.integer(root, "height", map.height) ||
         !file.integer(root, "tilewidth", map.tileWidth) || !file.integer(root, "tileheight", map.tileHeight))
         return false;
+    if (!mapSizeProblem(map).empty()) {
+        file.error(root, mapSizeProblem(map));
+        return false;
+    }
     bool ok = true;
     for (const XMLElement* e = root->FirstChildElement("tileset"); e; e = e->NextSiblingElement("tileset")) {
         tTiledTileset ts;
