@@ -6,6 +6,8 @@ BUILD_TYPE ?= RelWithDebInfo
 CMAKE_FLAGS ?=
 
 RENDER = $(BUILD)/tools/zephrin2d-render/zephrin2d-render
+IMPORT = $(BUILD)/tools/zephrin2d-import/zephrin2d-import
+IMPORTED = $(BUILD)/examples/imported/zephrin2d-imported
 DEMO_OUT = $(abspath $(BUILD))/demo
 
 # Reliability: sanitizers, fuzzing, leaks and the soak run (docs/reliability.md).
@@ -49,6 +51,10 @@ demo: configure
 	@echo "Demo frame written to $(DEMO_OUT)/meadow.png"
 	@echo "Contact sheet (every 8th frame) written to $(DEMO_OUT)/meadow-contact-sheet.png"
 	@echo "Shapes demo frame written to $(DEMO_OUT)/shapes.png"
+	@$(IMPORT) examples/imported/meadow.tmx -o $(DEMO_OUT)/imported >/dev/null
+	@$(IMPORT) examples/imported/knight.json -o $(DEMO_OUT)/imported >/dev/null
+	@$(IMPORTED) $(DEMO_OUT)/imported/ 60 $(DEMO_OUT)/imported.png >/dev/null 2>&1
+	@echo "Imported Tiled map and Aseprite actor drawn to $(DEMO_OUT)/imported.png"
 
 # Benchmarks against SDL2 (docs/performance.md is regenerated from the run).
 bench:
