@@ -40,8 +40,8 @@ build: configure
 test: build
 	@cd $(BUILD) && ctest --output-on-failure -j$(JOBS)
 
-# Only the render tool is built for the demo; the build's own output goes to a log.
-DEMO_TARGETS = zephrin2d-render
+# Only the tools the demo runs are built for it; the build's own output goes to a log.
+DEMO_TARGETS = zephrin2d-render zephrin2d-import zephrin2d-imported
 demo: configure
 	@echo "Building $(DEMO_TARGETS) (log: $(BUILD)/demo-build.log)"
 	@cmake --build $(BUILD) -j$(JOBS) --target $(DEMO_TARGETS) >$(BUILD)/demo-build.log 2>&1 || { cat $(BUILD)/demo-build.log; exit 1; }
