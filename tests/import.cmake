@@ -9,18 +9,19 @@ if(TARGET zephrin2d-check)
 endif()
 add_test(NAME import-tmx-and-tiled-json
   COMMAND ${CMAKE_COMMAND} -DTOOL=$<TARGET_FILE:zephrin2d-import> -DTILED=${TILED_PROGRAM} ${import_check}
-    -DFIRST=${import_data}/map.tmx -DNAME=map -DWORKDIR=${import_out}/map -P ${CMAKE_CURRENT_SOURCE_DIR}/support/ImportSame.cmake)
+    -DFIRST=${import_data}/map.tmx -DNAME=map -DEXPORT_TO=${import_out}/map-exported.json
+    -DWORKDIR=${import_out}/out/map -P ${CMAKE_CURRENT_SOURCE_DIR}/support/ImportSame.cmake)
 add_test(NAME import-aseprite-hash-and-array
   COMMAND ${CMAKE_COMMAND} -DTOOL=$<TARGET_FILE:zephrin2d-import> ${import_check}
     -DFIRST=${import_data}/hero-hash.json -DSECOND=${import_data}/hero-array.json -DNAME=hero
-    -DWORKDIR=${import_out}/hero -P ${CMAKE_CURRENT_SOURCE_DIR}/support/ImportSame.cmake)
+    -DWORKDIR=${import_out}/out/hero -P ${CMAKE_CURRENT_SOURCE_DIR}/support/ImportSame.cmake)
 set_tests_properties(import-tmx-and-tiled-json import-aseprite-hash-and-array PROPERTIES LABELS tools
   FIXTURES_SETUP imported-files)
 # Every scene, actor and sheet file the imports wrote matches its schema.
 find_program(Z2D_SYSTEM_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH)
 add_test(NAME import-outputs-match-schemas
   COMMAND ${Z2D_SYSTEM_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/support/validate_schemas.py
-    ${PROJECT_SOURCE_DIR}/docs/schemas ${import_out} ${CMAKE_CURRENT_SOURCE_DIR}/data/broken-schema)
+    ${PROJECT_SOURCE_DIR}/docs/schemas ${import_out}/out ${CMAKE_CURRENT_SOURCE_DIR}/data/broken-schema)
 set_tests_properties(import-outputs-match-schemas PROPERTIES LABELS tools FIXTURES_REQUIRED "imported-files;imported-example")
 
 # Refused input: the message names what is wrong, exit 1, nothing written.
@@ -59,10 +60,10 @@ endforeach()
 add_subdirectory(${PROJECT_SOURCE_DIR}/examples/imported ${CMAKE_BINARY_DIR}/examples/imported)
 foreach(input meadow.tmx knight.json)
   add_test(NAME import-example-${input}
-    COMMAND zephrin2d-import ${PROJECT_SOURCE_DIR}/examples/imported/${input} -o ${import_out}/example)
+    COMMAND zephrin2d-import ${PROJECT_SOURCE_DIR}/examples/imported/${input} -o ${import_out}/out/example)
   set_tests_properties(import-example-${input} PROPERTIES LABELS examples FIXTURES_SETUP imported-example)
 endforeach()
 add_test(NAME imported-example-runs
-  COMMAND zephrin2d-imported ${import_out}/example/ 60 ${import_out}/example/imported.png)
+  COMMAND zephrin2d-imported ${import_out}/out/example/ 60 ${import_out}/imported.png)
 set_tests_properties(imported-example-runs PROPERTIES LABELS examples FIXTURES_REQUIRED imported-example
   PASS_REGULAR_EXPRESSION "wrote .*imported.png \\(320x240\\)" FAIL_REGULAR_EXPRESSION "ASSERT ")

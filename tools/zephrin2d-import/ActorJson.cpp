@@ -10,8 +10,10 @@ const int GOTO_AND_STOP = 2;
 std::string tDefinitionCounts::billboard(const std::string& picture)
 {
     auto found = billboardOf.find(picture);
-    const int id = found == billboardOf.end() ? (billboardOf[picture] = billboards++) : found->second;
-    return JsonText::Object().set("ElementType", 0).set("ID", id).setString("URL", picture).text();
+    if (found != billboardOf.end())
+        return JsonText::Object().set("ElementType", 0).set("ID", found->second).text();
+    billboardOf[picture] = billboards;
+    return JsonText::Object().set("ElementType", 0).set("ID", billboards++).setString("URL", picture).text();
 }
 
 std::string animationArray(const std::vector<tAnimationSpec>& animations, tDefinitionCounts& ids)

@@ -15,7 +15,8 @@ struct tDefinitionCounts
     int actors = 0;
     std::map<std::string, int> billboardOf;  ///< picture name -> its billboard's number
 
-    /// A billboard of the sheet picture: defined at its first use, shared after.
+    /// A billboard of the sheet picture: defined at its first use, referred to
+    /// by its number alone after.
     std::string billboard(const std::string& picture);
 };
 
