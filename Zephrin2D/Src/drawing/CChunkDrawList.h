@@ -4,6 +4,7 @@
 #include "CDrawChunk.h"
 #include "CDrawList.h"
 #include "CGraphicElement.h"
+#include "tEntryIndex.h"
 #include "tVertexStream.h"
 
 #include <BaseUtils.h>
@@ -12,8 +13,7 @@
 #include <algorithm>
 #include <boost/weak_ptr.hpp>
 #include <stdint.h>
-#include <unordered_map>
-#include <utility>
+#include <boost/make_shared.hpp>
 #include <vector>
 
 /// What a chunk draw list keeps for each (element, chunk) pair it accepted.
@@ -46,8 +46,9 @@ struct tChunkEntry
 /// vertex buffer), the visible ones in draw order, the hidden ones, a
 /// lookup by pair, and the vertex uploads, which rewrite only what changed.
 ///
-/// Removed entries and lookup nodes are kept for the next add, so that a
-/// steady exchange of chunks (an actor changing cel) allocates nothing.
+/// Removed entries are kept for the next add and the lookup table only
+/// grows, so that a steady exchange of chunks (an actor changing cel)
+/// allocates nothing.
 /// Subclasses write an entry's vertices and draw.
 template <class Entry, class Chunk>
 class CChunkDrawList : public CDrawList
@@ -104,7 +105,6 @@ protected:
     struct tEntryRef
     {
         boost::weak_ptr<tEntry> entry;
-        const tEntry* key;
         int32_t depth;
         uint32_t order;
         uint16_t indexCount;
@@ -130,11 +130,9 @@ protected:
     virtual void entryAdded(tEntry&) {}
 
     /// The pair's entry, or none.
-    boost::shared_ptr<tEntry> find(const boost::shared_ptr<CGraphicElement>& element,
-                                   const boost::shared_ptr<CDrawChunk>& chunk) const
+    tEntry* find(const boost::shared_ptr<CGraphicElement>& element, const boost::shared_ptr<CDrawChunk>& chunk) const
     {
-        typename tIndex::const_iterator it = mIndex.find(tPairKey(element.get(), chunk.get()));
-        return it == mIndex.end() ? boost::shared_ptr<tEntry>() : it->second;
+        return mIndex.find(element.get(), chunk.get());
     }
     void markDirty(const boost::shared_ptr<CGraphicElement>& element, const boost::shared_ptr<CDrawChunk>& chunk,
                    bool texCoords);
@@ -169,24 +167,22 @@ protected:
     bool mSortedFrontToBack;
 
 private:
-    typedef std::pair<const void*, const void*> tPairKey;
-    struct tPairHash
-    {
-        size_t operator()(const tPairKey& k) const
-        {
-            const size_t a = reinterpret_cast<size_t>(k.first);
-            const size_t b = reinterpret_cast<size_t>(k.second);
-            return a ^ (b * 0x9E3779B97F4A7C15ull) ^ (b >> 7);
-        }
-    };
-    typedef std::unordered_map<tPairKey, boost::shared_ptr<tEntry>, tPairHash> tIndex;
     static constexpr size_t NONE = static_cast<size_t>(-1);
-    /// Spare entries and lookup nodes a list keeps at most.
+    /// Spare entries a list keeps at most.
     static constexpr size_t MAX_SPARES = 1024;
 
     static int32_t depthOf(const tEntry& e);
+    /// Grows by half instead of doubling: a list's vectors hold one or two
+    /// references per entry, and doubling leaves up to half of them unused.
+    template <class V> static void reserveOneMore(V& v)
+    {
+        if (v.size() == v.capacity())
+            v.reserve(v.size() + v.size() / 2 + 1);
+    }
     static tEntryRef refTo(const boost::shared_ptr<tEntry>& entry);
-    static void eraseRef(std::vector<tEntryRef>& refs, const tEntry* key);
+    /// Takes the entry's reference out of refs.
+    static tEntryRef takeRef(std::vector<tEntryRef>& refs, const boost::shared_ptr<tEntry>& entry);
+    boost::shared_ptr<tEntry> sharedEntry(const tEntry* entry) const;
     bool holdsTexture(const boost::shared_ptr<CDrawChunk>& chunk) const;
     bool setVisible(const boost::shared_ptr<CGraphicElement>& element, const boost::shared_ptr<CDrawChunk>& chunk,
                     bool visible);
@@ -198,9 +194,8 @@ private:
     /// Entries from this one on moved in the vertex buffer and are rewritten whole.
     size_t mRewriteFrom;
     uint32_t mNextOrder;
-    tIndex mIndex;
+    tEntryIndex<tEntry> mIndex;
     std::vector<boost::shared_ptr<tEntry> > mSpareEntries;
-    std::vector<typename tIndex::node_type> mSpareNodes;
     tMessages mMessages;
     bool mTexCoords;
 };

@@ -15,7 +15,6 @@ CChunkDrawList<Entry, Chunk>::refTo(const boost::shared_ptr<tEntry>& entry)
 {
     tEntryRef ref;
     ref.entry = entry;
-    ref.key = entry.get();
     ref.depth = entry->depth;
     ref.order = entry->order;
     ref.indexCount = entry->indexCount;
@@ -23,13 +22,25 @@ CChunkDrawList<Entry, Chunk>::refTo(const boost::shared_ptr<tEntry>& entry)
 }
 
 template <class Entry, class Chunk>
-void CChunkDrawList<Entry, Chunk>::eraseRef(std::vector<tEntryRef>& refs, const tEntry* key)
+typename CChunkDrawList<Entry, Chunk>::tEntryRef
+CChunkDrawList<Entry, Chunk>::takeRef(std::vector<tEntryRef>& refs, const boost::shared_ptr<tEntry>& entry)
 {
     for (size_t i = 0; i < refs.size(); ++i)
-        if (refs[i].key == key) {
+        if (!refs[i].entry.owner_before(entry) && !entry.owner_before(refs[i].entry)) {
+            const tEntryRef ref = refs[i];
             refs.erase(refs.begin() + i);
-            return;
+            return ref;
         }
+    return tEntryRef();
+}
+
+template <class Entry, class Chunk>
+boost::shared_ptr<Entry> CChunkDrawList<Entry, Chunk>::sharedEntry(const tEntry* entry) const
+{
+    for (size_t i = 0; i < mEntries.size(); ++i)
+        if (mEntries[i].get() == entry)
+            return mEntries[i];
+    return boost::shared_ptr<tEntry>();
 }
 
 template <class Entry, class Chunk>
@@ -77,7 +88,7 @@ bool CChunkDrawList<Entry, Chunk>::add(boost::shared_ptr<CGraphicElement> elemen
         entry = mSpareEntries.back();
         mSpareEntries.pop_back();
     } else {
-        entry.reset(new tEntry());
+        entry = boost::make_shared<tEntry>();
     }
     entry->element = element;
     entry->chunk = typed;
@@ -91,22 +102,17 @@ bool CChunkDrawList<Entry, Chunk>::add(boost::shared_ptr<CGraphicElement> elemen
     entry->depth = depthOf(*entry);
     entry->order = mNextOrder++;
     entryAdded(*entry);
+    reserveOneMore(mEntries);
     mEntries.push_back(entry);
-    const tPairKey key(element.get(), chunk.get());
-    if (!mSpareNodes.empty()) {
-        mSpareNodes.back().key() = key;
-        mSpareNodes.back().mapped() = entry;
-        mIndex.insert(std::move(mSpareNodes.back()));
-        mSpareNodes.pop_back();
-    } else {
-        mIndex[key] = entry;
-    }
+    mIndex.insert(entry.get());
     mVertexCount = static_cast<uint16_t>(mVertexCount + vertexCount);
     if (entry->visible) {
+        reserveOneMore(mSortedEntries);
         mSortedEntries.push_back(refTo(entry));
         mIndexCount = static_cast<uint16_t>(mIndexCount + indexCount);
         mOrderDirty = true;
     } else {
+        reserveOneMore(mHiddenEntries);
         mHiddenEntries.push_back(refTo(entry));
         mHiddenIndexCount = static_cast<uint16_t>(mHiddenIndexCount + indexCount);
     }
@@ -122,37 +128,32 @@ bool CChunkDrawList<Entry, Chunk>::remove(boost::shared_ptr<CGraphicElement> ele
 {
     if (!holdsTexture(chunk))
         return false;
-    boost::shared_ptr<tEntry> entry = find(element, chunk);
-    if (!entry)
+    tEntry* const found = find(element, chunk);
+    if (!found)
         return false;
-    mVertexCount = static_cast<uint16_t>(mVertexCount - entry->vertexCount);
-    if (entry->visible) {
-        mIndexCount = static_cast<uint16_t>(mIndexCount - entry->indexCount);
-        eraseRef(mSortedEntries, entry.get());
-    } else {
-        mHiddenIndexCount = static_cast<uint16_t>(mHiddenIndexCount - entry->indexCount);
-        eraseRef(mHiddenEntries, entry.get());
-    }
-    const tPairKey key(element.get(), chunk.get());
-    if (mSpareNodes.size() < MAX_SPARES) {
-        mSpareNodes.push_back(mIndex.extract(key));
-        mSpareNodes.back().mapped().reset();
-    } else {
-        mIndex.erase(key);
-    }
+    mVertexCount = static_cast<uint16_t>(mVertexCount - found->vertexCount);
+    mIndex.erase(element.get(), chunk.get());
 
     // The entries after it close the gap: their vertices move down and are rewritten.
     bool chunkStillHeld = false;
     size_t position = NONE;
     for (size_t i = 0; i < mEntries.size(); ++i) {
-        if (mEntries[i] == entry)
+        if (mEntries[i].get() == found)
             position = i;
         else if (position != NONE)
-            mEntries[i]->vertexOffset = static_cast<uint16_t>(mEntries[i]->vertexOffset - entry->vertexCount);
-        if (mEntries[i] != entry && mEntries[i]->chunk == chunk)
+            mEntries[i]->vertexOffset = static_cast<uint16_t>(mEntries[i]->vertexOffset - found->vertexCount);
+        if (mEntries[i].get() != found && mEntries[i]->chunk == chunk)
             chunkStillHeld = true;
     }
+    const boost::shared_ptr<tEntry> entry = mEntries[position];
     mEntries.erase(mEntries.begin() + position);
+    if (entry->visible) {
+        mIndexCount = static_cast<uint16_t>(mIndexCount - entry->indexCount);
+        takeRef(mSortedEntries, entry);
+    } else {
+        mHiddenIndexCount = static_cast<uint16_t>(mHiddenIndexCount - entry->indexCount);
+        takeRef(mHiddenEntries, entry);
+    }
     if (entry.use_count() == 1 && mSpareEntries.size() < MAX_SPARES) {
         entry->element.reset();
         entry->chunk.reset();
@@ -176,21 +177,20 @@ bool CChunkDrawList<Entry, Chunk>::setVisible(const boost::shared_ptr<CGraphicEl
 {
     if (!holdsTexture(chunk))
         return false;
-    boost::shared_ptr<tEntry> entry = find(element, chunk);
-    if (!entry)
+    tEntry* const found = find(element, chunk);
+    if (!found)
         return false;
-    if (entry->visible == visible)
+    if (found->visible == visible)
         return true;
+    const boost::shared_ptr<tEntry> entry = sharedEntry(found);
     entry->visible = visible;
     if (visible) {
-        eraseRef(mHiddenEntries, entry.get());
-        mSortedEntries.push_back(refTo(entry));
+        mSortedEntries.push_back(takeRef(mHiddenEntries, entry));
         mHiddenIndexCount = static_cast<uint16_t>(mHiddenIndexCount - entry->indexCount);
         mIndexCount = static_cast<uint16_t>(mIndexCount + entry->indexCount);
         mOrderDirty = true;
     } else {
-        eraseRef(mSortedEntries, entry.get());
-        mHiddenEntries.push_back(refTo(entry));
+        mHiddenEntries.push_back(takeRef(mSortedEntries, entry));
         mIndexCount = static_cast<uint16_t>(mIndexCount - entry->indexCount);
         mHiddenIndexCount = static_cast<uint16_t>(mHiddenIndexCount + entry->indexCount);
     }
@@ -202,7 +202,7 @@ template <class Entry, class Chunk>
 void CChunkDrawList<Entry, Chunk>::markDirty(const boost::shared_ptr<CGraphicElement>& element,
                                              const boost::shared_ptr<CDrawChunk>& chunk, bool texCoords)
 {
-    boost::shared_ptr<tEntry> entry = find(element, chunk);
+    tEntry* const entry = find(element, chunk);
     if (!entry)
         return;
     entry->dirty = true;
@@ -219,7 +219,6 @@ void CChunkDrawList<Entry, Chunk>::clear()
     mEntries.clear();
     mIndex.clear();
     mSpareEntries.clear();
-    mSpareNodes.clear();
     mSortedEntries.clear();
     mHiddenEntries.clear();
     mAlphaCursor = 0;

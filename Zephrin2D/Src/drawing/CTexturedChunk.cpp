@@ -1,5 +1,7 @@
 #include "CTexturedChunk.h"
 
+#include <boost/make_shared.hpp>
+
 #include "CGraphicElement.h"
 #include "CTexture.h"
 #include "CTexturedDrawList.h"
@@ -18,12 +20,12 @@ tFixed firstZ(const std::vector<tVect3>& vertices) { return vertices.empty() ? Z
 } // namespace
 
 CTexturedChunk::CTexturedChunk(unsigned short vertexCount, unsigned short indexCount)
-    : CDrawChunk(vertexCount), mIndices(indexCount, 0), mTexCoords(vertexCount, VECT2_0), mTextureId(0)
+    : CDrawChunk(vertexCount), mTextureId(0), mIndices(indexCount, 0), mTexCoords(vertexCount, VECT2_0)
 {
 }
 
 CTexturedChunk::CTexturedChunk(const CTexturedChunk& other)
-    : CDrawChunk(), mIndices(other.mIndices), mTexCoords(other.mTexCoords), mTextureId(other.mTextureId),
+    : CDrawChunk(), mTextureId(other.mTextureId), mIndices(other.mIndices), mTexCoords(other.mTexCoords),
       mTexture(other.mTexture)
 {
     mVertices = other.mVertices;
@@ -86,14 +88,14 @@ bool CTexturedChunk::canMerge(boost::shared_ptr<CGraphicElement> element, boost:
 boost::shared_ptr<CDrawChunk> CTexturedChunk::createMergedChunk(boost::shared_ptr<CGraphicElement> element,
                                                                 boost::shared_ptr<CDrawChunk> other) const
 {
-    boost::shared_ptr<CTexturedChunk> merged(new CTexturedChunk(*this));
+    boost::shared_ptr<CTexturedChunk> merged = boost::make_shared<CTexturedChunk>(*this);
     merged->merge(element, other);
     return merged;
 }
 
 boost::shared_ptr<CDrawChunk> CTexturedChunk::createTransformedChunk(boost::shared_ptr<CGraphicElement> element) const
 {
-    boost::shared_ptr<CTexturedChunk> transformed(new CTexturedChunk(*this));
+    boost::shared_ptr<CTexturedChunk> transformed = boost::make_shared<CTexturedChunk>(*this);
     if (element)
         transformed->transformVertices(element->getMatrix());
     return transformed;

@@ -52,9 +52,10 @@ public:
 private:
     CTexturedChunk& operator=(const CTexturedChunk&);
 
+    // First, so that it fills the room the base leaves after its flag.
+    uint32_t mTextureId;
     std::vector<uint16_t> mIndices;
     std::vector<tVect2> mTexCoords;
-    uint32_t mTextureId;
     boost::shared_ptr<CTexture> mTexture;
 };
 

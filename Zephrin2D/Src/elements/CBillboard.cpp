@@ -8,6 +8,7 @@
 
 #include <BaseUtils.h>
 #include <DebugMPI.h>
+#include <boost/make_shared.hpp>
 
 namespace {
 
@@ -64,7 +65,7 @@ CBillboard::CBillboard(const Glib::ustring& path, CTextureSheet* sheet, bool vis
 
 void CBillboard::init()
 {
-    boost::shared_ptr<CTexturedChunk> chunk(new CTexturedChunk(4, 6));
+    boost::shared_ptr<CTexturedChunk> chunk = boost::make_shared<CTexturedChunk>(4, 6);
     const uint16_t indices[6] = {0, 1, 2, 2, 1, 3};
     chunk->getIndices().assign(indices, indices + 6);
     mChunks.resize(1);
@@ -91,7 +92,7 @@ boost::shared_ptr<CTexturedChunk> CBillboard::beginChange(bool& registered)
     registered = mDrawManaged;
     if (registered)
         CDrawManager::Instance()->remove(shared_from_this(), current);
-    boost::shared_ptr<CTexturedChunk> copy(new CTexturedChunk(*current));
+    boost::shared_ptr<CTexturedChunk> copy = boost::make_shared<CTexturedChunk>(*current);
     mChunks[0] = copy;
     return copy;
 }

@@ -1,0 +1,49 @@
+#include "tEntryIndex.h"
+
+#include <boost/make_shared.hpp>
+#include <gtest/gtest.h>
+
+namespace {
+
+struct tFakeEntry
+{
+    boost::shared_ptr<int> element;
+    boost::shared_ptr<int> chunk;
+};
+
+// Erasing closes the probe runs: every entry still present is found, every
+// erased one is not, whatever the order of the erasures and re-insertions.
+TEST(EntryIndexTest, FindsWhatRemainsAfterErasures)
+{
+    const struct { size_t stride, offset; } cases[] = {{1, 0}, {2, 1}, {3, 0}, {7, 3}};
+    for (const auto& c : cases) {
+        std::vector<tFakeEntry> entries(300);
+        const boost::shared_ptr<int> shared = boost::make_shared<int>(0);
+        tEntryIndex<tFakeEntry> index;
+        for (size_t i = 0; i < entries.size(); ++i) {
+            // Pairs share an element or a chunk, as copies of an element share chunks.
+            entries[i].element = i % 2 ? shared : boost::make_shared<int>(int(i));
+            entries[i].chunk = i % 2 == 0 && i % 3 ? shared : boost::make_shared<int>(int(i));
+            index.insert(&entries[i]);
+        }
+        std::vector<bool> present(entries.size(), true);
+        for (size_t i = c.offset; i < entries.size(); i += c.stride) {
+            index.erase(entries[i].element.get(), entries[i].chunk.get());
+            present[i] = false;
+        }
+        for (size_t i = 0; i < entries.size(); i += 5)
+            if (!present[i]) {
+                index.insert(&entries[i]);
+                present[i] = true;
+            }
+        size_t count = 0;
+        for (size_t i = 0; i < entries.size(); ++i) {
+            const tFakeEntry* found = index.find(entries[i].element.get(), entries[i].chunk.get());
+            EXPECT_EQ(present[i] ? &entries[i] : 0, found) << "stride " << c.stride << " entry " << i;
+            count += present[i];
+        }
+        EXPECT_EQ(count, index.size());
+    }
+}
+
+} // namespace
