@@ -56,14 +56,20 @@ demo: configure
 	@$(IMPORTED) $(DEMO_OUT)/imported/ 60 $(DEMO_OUT)/imported.png >/dev/null 2>&1
 	@echo "Imported Tiled map and Aseprite actor drawn to $(DEMO_OUT)/imported.png"
 
-# Benchmarks against SDL2 (docs/performance.md is regenerated from the run).
+# Benchmarks against the driver's floor and SDL2: CPU time and memory with
+# Google Benchmark, instruction counts with callgrind (COUNT_RUNS runs of
+# COUNT_FRAMES frames each); docs/performance.md is regenerated from them.
+COUNT_FRAMES ?= 2
+COUNT_RUNS ?= 2
 bench:
 	@./scripts/install-deps.sh --bench
-	@cmake -S . -B $(BUILD)-bench -DCMAKE_BUILD_TYPE=Release -DZEPHRIN2D_BUILD_BENCH=ON -DZEPHRIN2D_BUILD_TESTS=OFF >/dev/null
+	@cmake -S . -B $(BUILD)-bench -DCMAKE_BUILD_TYPE=Release -DZEPHRIN2D_BUILD_BENCH=ON -DZEPHRIN2D_BUILD_TESTS=OFF $(CMAKE_FLAGS) >/dev/null
 	@cmake --build $(BUILD)-bench -j$(JOBS)
-	@$(BUILD)-bench/bench/Zephrin2DBench --benchmark_out=$(BUILD)-bench/bench.json --benchmark_out_format=json
+	@nice $(BUILD)-bench/bench/Zephrin2DBench --benchmark_out=$(BUILD)-bench/bench.json --benchmark_out_format=json
 	@$(BUILD)-bench/bench/Zephrin2DPeerCheck
-	@python3 bench/perf_report.py $(BUILD)-bench/bench.json docs/performance.md
+	@python3 bench/count_instructions.py $(BUILD)-bench/bench/Zephrin2DFrameCount $(BUILD)-bench/counts.json \
+	  --frames $(COUNT_FRAMES) --runs $(COUNT_RUNS) --jobs $(JOBS)
+	@python3 bench/perf_report.py $(BUILD)-bench/bench.json $(BUILD)-bench/counts.json docs/performance.md
 
 deps-reliability:
 	@./scripts/install-deps.sh --reliability

@@ -1,11 +1,13 @@
-// Scenes (a) ... (f) drawn three ways in one run: the draw manager's
-// drawAll ("Zephrin2D"), each element's immediate draw ("Immediate") and
-// SDL2's batched GLES2 renderer ("SDL2"). The timed region of a frame is
+// Scenes (a) ... (f) drawn four ways in one run: the draw manager's
+// drawAll ("Zephrin2D"), each element's immediate draw ("Immediate"), the
+// driver's floor ("Floor": a minimal GL program drawing the same geometry)
+// and SDL2's batched GLES2 renderer ("SDL2"). The timed region of a frame is
 // the thread's CPU time from the scene update to the last GL call before
 // the swap (for SDL2: SDL_RenderFlush); glFinish and the swap follow
 // outside it. Counters: frame_us (median of the frames), draws and
 // upload_B per frame.
 #include "GLRecorder.h"
+#include "PeerFloor.h"
 #include "PeerGLCount.h"
 #include "PeerSdl.h"
 #include "PeerZephrin.h"
@@ -67,6 +69,12 @@ void zephrin(benchmark::State& state, char id, bool managed)
     frames(state, scene, false);
 }
 
+void floor(benchmark::State& state, char id)
+{
+    FloorScene scene(makeScene(id));
+    frames(state, scene, false);
+}
+
 void sdl(benchmark::State& state, char id)
 {
     SdlScene scene(makeScene(id));
@@ -88,6 +96,8 @@ int registerAll()
         benchmark::RegisterBenchmark((base + "Zephrin2D").c_str(), zephrin, id, true)
             ->UseManualTime()->Unit(benchmark::kMicrosecond)->MinTime(0.5);
         benchmark::RegisterBenchmark((base + "Immediate").c_str(), zephrin, id, false)
+            ->UseManualTime()->Unit(benchmark::kMicrosecond)->MinTime(0.5);
+        benchmark::RegisterBenchmark((base + "Floor").c_str(), floor, id)
             ->UseManualTime()->Unit(benchmark::kMicrosecond)->MinTime(0.5);
         benchmark::RegisterBenchmark((base + "SDL2").c_str(), sdl, id)
             ->UseManualTime()->Unit(benchmark::kMicrosecond)->MinTime(0.5);

@@ -1,8 +1,9 @@
-// Draws scenes (a) and (d) three ways (draw manager, immediate draws, SDL2)
-// and compares the pictures: exit status 0 when every pair agrees within
-// the tolerance. Rotations are multiples of 90 degrees here, so that the
-// two rasterisers cover the same pixels.
+// Draws scenes (a) and (d) four ways (draw manager, immediate draws, the
+// driver's floor, SDL2) and compares the pictures: exit status 0 when every
+// pair agrees within the tolerance. Rotations are multiples of 90 degrees
+// here, so that the two rasterisers cover the same pixels.
 #include "ImageIO.h"
+#include "PeerFloor.h"
 #include "PeerScenes.h"
 #include "PeerSdl.h"
 #include "PeerZephrin.h"
@@ -43,7 +44,7 @@ int main(int argc, char** argv)
     int failures = 0;
     for (char id : {'a', 'd'}) {
         const tScene s = makeScene(id, true);
-        ImageIO::tImage managed, immediate, peer;
+        ImageIO::tImage managed, immediate, floor, peer;
         {
             ZephrinScene z(s, true);
             managed = render(z, s);
@@ -51,6 +52,10 @@ int main(int argc, char** argv)
         {
             ZephrinScene z(s, false);
             immediate = render(z, s);
+        }
+        {
+            FloorScene f(s);
+            floor = render(f, s);
         }
         {
             SdlScene p(s);
@@ -64,6 +69,7 @@ int main(int argc, char** argv)
             const std::string base = std::string(outDir) + "/scene-" + id;
             ImageIO::writePNG(base + "-zephrin2d.png", managed);
             ImageIO::writePNG(base + "-immediate.png", immediate);
+            ImageIO::writePNG(base + "-floor.png", floor);
             ImageIO::writePNG(base + "-sdl2.png", peer);
         }
         const struct
@@ -71,7 +77,9 @@ int main(int argc, char** argv)
             const char* name;
             const ImageIO::tImage& a;
             const ImageIO::tImage& b;
-        } pairs[] = {{"Zephrin2D/immediate", managed, immediate}, {"Zephrin2D/SDL2", managed, peer}};
+        } pairs[] = {{"Zephrin2D/immediate", managed, immediate},
+                     {"Zephrin2D/floor", managed, floor},
+                     {"Zephrin2D/SDL2", managed, peer}};
         for (const auto& pair : pairs) {
             const ImageIO::tDifference d = ImageIO::compare(pair.a, pair.b, tolerance);
             const double share = static_cast<double>(d.pixelsOver) / (s.width * s.height);

@@ -40,6 +40,8 @@ ZephrinScene::ZephrinScene(const tScene& scene, bool managed) : mScene(scene), m
             place(*b, d, scene.textures[d.texture]);
             if (managed)
                 CDrawManager::Instance()->add(b);
+            if (d.moving)
+                mMoving.push_back(static_cast<int>(mBillboards.size()));
             mBillboards.push_back(b);
             continue;
         }
@@ -75,9 +77,8 @@ ZephrinScene::~ZephrinScene()
 void ZephrinScene::update(int frame)
 {
     const tVect2 step = {tFixed(stepOf(frame)), ZERO_X};
-    for (size_t i = 0; i < mBillboards.size(); ++i)
-        if (mScene.sprites[i].moving)
-            mBillboards[i]->moveBy(step);
+    for (size_t k = 0; k < mMoving.size(); ++k)
+        mBillboards[mMoving[k]]->moveBy(step);
     for (size_t i = 0; i < mActors.size(); ++i)
         mActors[i]->update(1);
 }

@@ -42,6 +42,7 @@ private:
     /// Per actor and cel: the billboard whose chunk the cel holds (immediate draws).
     std::vector<boost::shared_ptr<CBillboard> > mCelBillboards;
     std::vector<int> mPainters;
+    std::vector<int> mMoving;   ///< the billboards that move
 };
 
 } // namespace PeerScenes

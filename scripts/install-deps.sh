@@ -24,6 +24,8 @@ RELIABILITY_PACKAGES="clang-14 libclang-rt-14-dev llvm-14 valgrind python3"
 [ "$1" = "--reliability" ] && PACKAGES="$PACKAGES $RELIABILITY_PACKAGES"
 # With --bench also the peer the benchmarks compare against (SDL2) and the report generator.
 BENCH_PACKAGES="libsdl2-dev python3"
+# callgrind counts the instructions of the benchmark frames (and its header marks them).
+BENCH_PACKAGES="$BENCH_PACKAGES valgrind"
 [ "$1" = "--bench" ] && PACKAGES="$PACKAGES $BENCH_PACKAGES"
 missing=""
 for p in $PACKAGES; do

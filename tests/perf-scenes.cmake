@@ -10,7 +10,7 @@ pkg_check_modules(SDL2 QUIET IMPORTED_TARGET sdl2)
 if(SDL2_FOUND)
   add_executable(Zephrin2DPeerCheckTest ${PROJECT_SOURCE_DIR}/bench/PeerCheckMain.cpp
     ${PROJECT_SOURCE_DIR}/bench/PeerScenes.cpp ${PROJECT_SOURCE_DIR}/bench/PeerZephrin.cpp
-    ${PROJECT_SOURCE_DIR}/bench/PeerSdl.cpp)
+    ${PROJECT_SOURCE_DIR}/bench/PeerSdl.cpp ${PROJECT_SOURCE_DIR}/bench/PeerFloor.cpp)
   target_include_directories(Zephrin2DPeerCheckTest PRIVATE ${PROJECT_SOURCE_DIR}/bench)
   target_link_libraries(Zephrin2DPeerCheckTest PRIVATE Zephrin2D ImageIO PkgConfig::SDL2)
   add_test(NAME PeerPictures.ZephrinImmediateSdl2 COMMAND Zephrin2DPeerCheckTest)
