@@ -58,9 +58,11 @@ demo: configure
 
 # Benchmarks against the driver's floor and SDL2: CPU time and memory with
 # Google Benchmark, instruction counts with callgrind (COUNT_RUNS runs of
-# COUNT_FRAMES frames each); docs/performance.md is regenerated from them.
+# COUNT_FRAMES frames each, for the ways in COUNT_WAYS); docs/performance.md
+# is regenerated from them.
 COUNT_FRAMES ?= 2
 COUNT_RUNS ?= 2
+COUNT_WAYS ?= zephrin2d,floor,immediate,sdl2
 bench:
 	@./scripts/install-deps.sh --bench
 	@cmake -S . -B $(BUILD)-bench -DCMAKE_BUILD_TYPE=Release -DZEPHRIN2D_BUILD_BENCH=ON -DZEPHRIN2D_BUILD_TESTS=OFF $(CMAKE_FLAGS) >/dev/null
@@ -68,7 +70,7 @@ bench:
 	@nice $(BUILD)-bench/bench/Zephrin2DBench --benchmark_out=$(BUILD)-bench/bench.json --benchmark_out_format=json
 	@$(BUILD)-bench/bench/Zephrin2DPeerCheck
 	@python3 bench/count_instructions.py $(BUILD)-bench/bench/Zephrin2DFrameCount $(BUILD)-bench/counts.json \
-	  --frames $(COUNT_FRAMES) --runs $(COUNT_RUNS) --jobs $(JOBS)
+	  --frames $(COUNT_FRAMES) --runs $(COUNT_RUNS) --jobs $(JOBS) --ways $(COUNT_WAYS)
 	@python3 bench/perf_report.py $(BUILD)-bench/bench.json $(BUILD)-bench/counts.json docs/performance.md
 
 deps-reliability:

@@ -105,15 +105,17 @@ def count_lines(counts):
             verdict = "≤ %.2f: %s" % (goal, "met" if ratio <= goal else "**missed**")
         elif sid in MOVED:
             verdict = "own per moved sprite (below)"
-        spread = max([x for x in (run_spread(r.get(w, [])) for w in r) if x is not None] or [0.0])
-        spreads.append(spread)
-        lines.append("| %s | %s | %s | %s | %s | %s | %s | %s | %.3f %% |" % (
+        known = [x for x in (run_spread(r.get(w, [])) for w in r) if x is not None]
+        spread = max(known) if known else None
+        if known:
+            spreads.append(spread)
+        lines.append("| %s | %s | %s | %s | %s | %s | %s | %s | %s |" % (
             NAMES.get(sid, sid), cell("zephrin2d"), cell("floor"), "%.3f" % ratio if ratio else "n/a", verdict,
             fmt_m(i) if i else "n/a", fmt_m(s) if s else "n/a", "%.3f" % (z / s) if z and s else "n/a",
-            100.0 * spread))
+            "%.4f %%" % (100.0 * spread) if spread is not None else "one run"))
     lines.append("")
     if spreads:
-        lines.append("Largest difference between two runs of the same scene and way: **%.3f %%**." %
+        lines.append("Largest difference between two runs of the same scene and way: **%.4f %%**." %
                      (100.0 * max(spreads)))
         lines.append("")
     lines.append("#### Moving scenes: the library's own instructions per moved sprite")
