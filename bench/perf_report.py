@@ -62,6 +62,16 @@ def fmt_m(v):
     return "%.2f M" % (v / 1e6) if v >= 1e6 else "%.0f k" % (v / 1e3)
 
 
+def short_name(fn):
+    """A function's name without its parameters and template arguments."""
+    name = fn.split("(")[0]
+    while True:
+        shorter = re.sub(r"<[^<>]*>", "", name)
+        if shorter == name:
+            return name[:70]
+        name = shorter
+
+
 def run_spread(runs):
     totals = [r["total"] for r in runs if r and "total" in r]
     if len(totals) < 2 or min(totals) == 0:
@@ -131,7 +141,7 @@ def count_lines(counts):
             continue
         above = "%.0f" % ((own - base) / MOVED[sid]) if base is not None and sid in "bc" else ""
         top = runs[0].get("top_own", []) if runs and runs[0] else []
-        where = "; ".join("`%s` %.0f %%" % (fn.split("(")[0][:70], 100.0 * c / own) for _, fn, c in top[:5])
+        where = "; ".join("`%s` %.0f %%" % (short_name(fn), 100.0 * c / own) for _, fn, c in top[:5])
         lines.append("| %s | %d | %s | %.0f | %s | %s |" % (sid, MOVED[sid], fmt_m(own), own / MOVED[sid], above,
                                                            where))
     lines.append("")
