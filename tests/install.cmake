@@ -1,4 +1,4 @@
-# The installed library is enough to build and run examples/minimal.
+# An installed tree, moved elsewhere, runs its tools and builds and runs examples/minimal.
 add_test(NAME install-minimal-example
   COMMAND sh ${CMAKE_CURRENT_SOURCE_DIR}/install_test.sh ${CMAKE_BINARY_DIR} ${PROJECT_SOURCE_DIR}
     ${CMAKE_CURRENT_BINARY_DIR}/install-test)

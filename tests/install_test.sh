@@ -1,47 +1,66 @@
 #!/bin/sh
-# Installs the build tree into a scratch prefix, builds examples/minimal
-# against it with pkg-config and with find_package, and runs both programs.
+# Installs the build tree into a scratch prefix, moves the installed tree, and
+# checks that it works from its new place with no LD_LIBRARY_PATH: every tool's
+# --help, examples/minimal built with pkg-config (linked --as-needed, only a
+# run path to lib/) and with find_package, and the art found beside the library.
 # Usage: install_test.sh BUILD_DIR SOURCE_DIR WORK_DIR
 set -eu
 build=$1
 source=$2
 work=$3
-prefix=$work/prefix
+unset LD_LIBRARY_PATH
 
 fail() { echo "install test: $*" >&2; exit 1; }
 
 rm -rf "$work"
 mkdir -p "$work"
-cmake --install "$build" --prefix "$prefix" > "$work/install.log" || fail "cmake --install failed, see $work/install.log"
+cmake --install "$build" --prefix "$work/installed" > "$work/install.log" ||
+    fail "cmake --install failed, see $work/install.log"
+mv "$work/installed" "$work/moved"
+prefix=$work/moved
 
 # GNUInstallDirs may have chosen lib or lib/<multiarch>: the .pc file tells.
 pc=$(find "$prefix" -name zephrin2d.pc | head -n 1)
 [ -n "$pc" ] || fail "no zephrin2d.pc under $prefix"
 libdir=$(dirname "$(dirname "$pc")")
+export PKG_CONFIG_PATH="$libdir/pkgconfig"
 [ -f "$prefix/include/Zephrin2D/Zephrin2D.h" ] || fail "headers missing in $prefix/include/Zephrin2D"
 for kind in scene actor sheet costume; do
     [ -f "$prefix/share/zephrin2d/schemas/$kind.schema.json" ] || fail "$kind.schema.json missing in $prefix/share/zephrin2d/schemas"
 done
 
-echo "== pkg-config"
-PKG_CONFIG_PATH=$libdir/pkgconfig make -s -C "$source/examples/minimal" OUT="$work/pkg-config"
+tools=0
+for tool in "$prefix"/bin/*; do
+    echo "== $tool --help"
+    "$tool" --help > "$work/help.txt" 2>&1 || { cat "$work/help.txt" >&2; fail "$tool --help exited with an error"; }
+    tools=$((tools + 1))
+done
+[ "$tools" -gt 0 ] || fail "no tools installed in $prefix/bin"
+
+# --as-needed drops the platform library from the program: the main library
+# must find it through its own run path. New dtags make the program's run path
+# apply to its own dependencies only, as most distributions' linkers do.
+echo "== pkg-config, --as-needed"
+mkdir -p "$work/pkg-config"
+g++ -std=c++17 -o "$work/pkg-config/minimal" "$source/examples/minimal/main.cpp" \
+    $(pkg-config --cflags --libs zephrin2d) -Wl,--as-needed -Wl,--enable-new-dtags -Wl,-rpath,"$libdir" ||
+    fail "building examples/minimal with pkg-config failed"
 
 echo "== find_package"
-cmake -S "$source/examples/minimal" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$prefix" > "$work/cmake.log" ||
+cmake -S "$source/examples/minimal" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$prefix" \
+    -DCMAKE_EXE_LINKER_FLAGS="-Wl,--as-needed -Wl,--enable-new-dtags" > "$work/cmake.log" ||
     fail "configuring with find_package failed, see $work/cmake.log"
 cmake --build "$work/cmake" > "$work/cmake-build.log" || fail "building with find_package failed, see $work/cmake-build.log"
 
 for program in "$work/pkg-config/minimal" "$work/cmake/minimal"; do
     echo "== $program"
-    LD_LIBRARY_PATH=$libdir "$program" || fail "$program exited with $?"
+    "$program" || fail "$program exited with $?"
 done
 
-# A moved tree still finds its art beside the library, not where it was installed.
-echo "== moved tree"
-PKG_CONFIG_PATH=$libdir/pkgconfig c++ -std=c++17 -o "$work/art_dir" "$source/tests/install/art_dir.cpp" \
-    $(PKG_CONFIG_PATH=$libdir/pkgconfig pkg-config --cflags --libs zephrin2d) || fail "building art_dir failed"
-mv "$prefix" "$work/moved"
-moved_libdir=$work/moved${libdir#"$prefix"}
-found=$(LD_LIBRARY_PATH=$moved_libdir "$work/art_dir") || fail "art_dir exited with $?"
-[ "$(realpath "$found")" = "$(realpath "$work/moved/share/zephrin2d/art")" ] ||
+# The moved tree finds its art beside the library, not where it was installed.
+echo "== art directory"
+g++ -std=c++17 -o "$work/art_dir" "$source/tests/install/art_dir.cpp" \
+    $(pkg-config --cflags --libs zephrin2d) -Wl,-rpath,"$libdir" || fail "building art_dir failed"
+found=$("$work/art_dir") || fail "art_dir exited with $?"
+[ "$(realpath "$found")" = "$(realpath "$prefix/share/zephrin2d/art")" ] ||
     fail "the moved tree's art was looked for in $found"
