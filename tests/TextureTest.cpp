@@ -397,4 +397,48 @@ TEST_F(TextureWithoutCompressionTest, ExpandedUploadDrawsThePalette)
     }
 }
 
+// Rows of 2, 3 or 6 bytes are not padded to 4 in RAM; direct uploads and
+// depalettized copies alike must come out unskewed.
+TEST_F(TextureWithoutCompressionTest, NarrowRowsAreNotPadded)
+{
+    struct { tPalType pal; kPixelFormat format; uint32_t width; } cases[] = {
+        {PAL_NONE, kPixelFormatRGB888, 1}, {PAL_NONE, kPixelFormatRGB888, 2},
+        {PAL_NONE, kPixelFormatRGB565, 1}, {PAL_NONE, kPixelFormatRGBA4444, 1},
+        {PAL_PALETTE8, kPixelFormatRGB888, 2}, {PAL_PALETTE8, kPixelFormatRGB565, 1},
+    };
+    const uint32_t height = 4;
+    auto colorOf = [](uint32_t x, uint32_t y) {
+        const uint32_t i = (x + 3 * y) % 8;
+        return tColor{uint8_t(i & 1 ? 255 : 0), uint8_t(i & 2 ? 255 : 0), uint8_t(i & 4 ? 255 : 0), 255};
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.pal << "/" << c.format << " width " << c.width);
+        tImageInfo info{c.pal, c.format, c.width, height};
+        CTexture t(info, true);
+        const unsigned long bpe = info.GetBytesPerEntry();
+        auto put = [&](uint8_t* at, tColor color) {
+            if (bpe == 3) {
+                at[0] = color.r, at[1] = color.g, at[2] = color.b;
+            } else {
+                const unsigned short v = info.PackColor16(color);
+                std::memcpy(at, &v, 2);
+            }
+        };
+        for (uint32_t i = 0; c.pal != PAL_NONE && i < 8; ++i)
+            put(t.palette + i * bpe, colorOf(i, 0));
+        for (uint32_t y = 0; y < height; ++y)
+            for (uint32_t x = 0; x < c.width; ++x) {
+                if (c.pal == PAL_NONE)
+                    put(t.pixels + (y * c.width + x) * bpe, colorOf(x, y));
+                else
+                    t.pixels[y * c.width + x] = static_cast<uint8_t>((x + 3 * y) % 8);
+            }
+        t.InitGLTexture();
+        drawTexturedQuad(t.glTextureId, c.width, height);
+        for (uint32_t y = 0; y < height; ++y)
+            for (uint32_t x = 0; x < c.width; ++x)
+                EXPECT_EQ(pixel(x, y), colorOf(x, y)) << "at " << x << "," << y;
+    }
+}
+
 } // namespace

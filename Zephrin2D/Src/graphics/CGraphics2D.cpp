@@ -46,6 +46,9 @@ bool CGraphics2D::init(tVect2 size, tColor clearColor, unsigned long a, unsigned
     glClearColorx(clearColor.r << 8, clearColor.g << 8, clearColor.b << 8, clearColor.a << 8);
     glEnableClientState(GL_VERTEX_ARRAY);
     glEnableClientState(GL_TEXTURE_COORD_ARRAY);
+    // RAM images (and text and depalettized copies) keep unpadded rows: GL must
+    // not expect each row to start on 4 bytes. Every upload relies on this.
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     glMatrixMode(GL_PROJECTION);
     glLoadIdentity();
     glOrthox(0, size.x.raw(), 0, size.y.raw(), static_cast<GLfixed>(0xFFF60000u), 0x10000);
