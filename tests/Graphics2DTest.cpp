@@ -5,6 +5,8 @@
 #include <GLES/gl.h>
 #include <GLES/glext.h>
 #include <VellOpenGLConfig.h>
+#include <algorithm>
+#include <cstdlib>
 
 namespace {
 
@@ -88,6 +90,33 @@ TEST(Graphics2DLifecycle, CleanupGivesAFreshContext)
     EXPECT_TRUE(debug.has(2, "CGraphics2D::init()\n"));
     EXPECT_TRUE(debug.has(2, "CGraphics2D::cleanup()\n"));
     second->cleanup();
+}
+
+TEST(Graphics2DLifecycle, SurfaceTakesTheSceneSizeUnlessTheHostChoseOne)
+{
+    using Tadwick::Vell::VellOpenGLConfig;
+    struct { int hostW, hostH, sceneW, sceneH, wantW, wantH; const char* message; } cases[] = {
+        {0, 0, 100, 60, 100, 60, nullptr},
+        {100, 60, 100, 60, 100, 60, nullptr},
+        {80, 40, 100, 60, 80, 40,
+         "CGraphics2D::init - the scene is 100x60 but the surface is 80x40: the scene is stretched to fit\n"},
+    };
+    unsetenv("ZEPHRIN2D_DISPLAY");
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.hostW);
+        DebugCapture debug;
+        VellOpenGLConfig::SetSurfaceSize(c.hostW, c.hostH);
+        CGraphics2D* graphics = CGraphics2D::Instance();
+        graphics->init(tVect2{tFixed(c.sceneW), tFixed(c.sceneH)}, tColor{0, 0, 0, 255}, 0, 0);
+        EXPECT_EQ(graphics->getConfig()->getWidth(), c.wantW);
+        EXPECT_EQ(graphics->getConfig()->getHeight(), c.wantH);
+        const int loud = std::count_if(debug.entries().begin(), debug.entries().end(),
+                                       [](const DebugCapture::tEntry& e) { return e.level <= 1; });
+        EXPECT_EQ(loud, c.message ? 1 : 0);
+        EXPECT_TRUE(!c.message || debug.has(1, c.message));
+        EXPECT_EQ(VellOpenGLConfig::IsSurfaceSizeChosen(), c.hostW > 0) << "the scene's size is not kept as the host's";
+        graphics->cleanup();
+    }
 }
 
 TEST_F(Graphics2DTest, CheckErrorNamesEachError)

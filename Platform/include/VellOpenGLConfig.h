@@ -35,6 +35,8 @@ public:
     /// Host settings, read when the next configuration is made.
     static void SetSurfaceSize(int width, int height);
     static void GetSurfaceSize(int& width, int& height);
+    /// Whether the host set a size (or ZEPHRIN2D_DISPLAY gives one); 0 x 0 unsets it.
+    static bool IsSurfaceSizeChosen();
     static void SetWindowed(bool windowed);
 
     /// The most recently made configuration, or null.

@@ -41,19 +41,22 @@ const CDebugMPI& debug()
     return d;
 }
 
-void resolveSize(int& w, int& h)
+// The size the host chose (a setting, else ZEPHRIN2D_DISPLAY); false when none.
+bool chosenSize(int& w, int& h)
 {
     w = settings().width;
     h = settings().height;
     if (w > 0 && h > 0)
-        return;
-    w = 320;
-    h = 240;
+        return true;
     const char* env = getenv("ZEPHRIN2D_DISPLAY");
-    int ew = 0, eh = 0;
-    if (env && sscanf(env, "%dx%d", &ew, &eh) == 2 && ew > 0 && eh > 0 && ew <= 8192 && eh <= 8192) {
-        w = ew;
-        h = eh;
+    return env && sscanf(env, "%dx%d", &w, &h) == 2 && w > 0 && h > 0 && w <= 8192 && h <= 8192;
+}
+
+void resolveSize(int& w, int& h)
+{
+    if (!chosenSize(w, h)) {
+        w = 320;
+        h = 240;
     }
 }
 
@@ -181,6 +184,12 @@ void VellOpenGLConfig::SetSurfaceSize(int width, int height)
 }
 
 void VellOpenGLConfig::GetSurfaceSize(int& width, int& height) { resolveSize(width, height); }
+
+bool VellOpenGLConfig::IsSurfaceSizeChosen()
+{
+    int w, h;
+    return chosenSize(w, h);
+}
 
 void VellOpenGLConfig::SetWindowed(bool windowed) { settings().windowed = windowed; }
 

@@ -32,7 +32,17 @@ bool CGraphics2D::init(tVect2 size, tColor clearColor, unsigned long a, unsigned
     mDebug.DebugOut(2, "CGraphics2D::init()\n");
     while (glGetError() != GL_NO_ERROR) {
     }
-    mConfig = new Tadwick::Vell::VellOpenGLConfig(a, b);
+    // A host that never chose a surface size gets one of the scene's size.
+    typedef Tadwick::Vell::VellOpenGLConfig tConfig;
+    const bool surfaceChosen = tConfig::IsSurfaceSizeChosen();
+    if (!surfaceChosen)
+        tConfig::SetSurfaceSize(size.x.toInt(), size.y.toInt());
+    mConfig = new tConfig(a, b);
+    if (!surfaceChosen)
+        tConfig::SetSurfaceSize(0, 0);
+    if (tFixed(mConfig->getWidth()) != size.x || tFixed(mConfig->getHeight()) != size.y)
+        mDebug.DebugOut(1, "CGraphics2D::init - the scene is %gx%g but the surface is %dx%d: the scene is stretched to fit\n",
+                        size.x.toDouble(), size.y.toDouble(), mConfig->getWidth(), mConfig->getHeight());
 
     glShadeModel(GL_SMOOTH);
     glEnable(GL_DEPTH_TEST);

@@ -21,6 +21,12 @@ public:
     static CGraphics2D* Instance();
 
     /// Always true; a second call changes nothing. a and b go to the platform unchanged.
+    ///
+    /// size is the scene's size in units; it is stretched over the whole
+    /// surface. A host that never chose a surface size
+    /// (VellOpenGLConfig::SetSurfaceSize, ZEPHRIN2D_DISPLAY) gets a surface of
+    /// exactly this size, one unit per pixel. When the host's surface has
+    /// another size, the debug service says so at level 1, naming both.
     bool init(tVect2 size, tColor clearColor, unsigned long a, unsigned long b);
     /// Whether the GPU takes the compressed format (never 0xFFFF, "no format").
     bool IsSupportedCompressedTexFormat(int format);
