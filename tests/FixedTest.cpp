@@ -8,7 +8,7 @@
 namespace {
 
 tFixed raw(int32_t r) { return tFixed::fromRaw(r); }
-tFixed deg(double d) { return tFixed::fromDouble(d); }
+tFixed deg(double d) { return tFixed::fromFloat(d); }
 
 TEST(Fixed, ArithmeticWrapsAndRoundsTowardMinusInfinity)
 {
@@ -21,9 +21,9 @@ TEST(Fixed, ArithmeticWrapsAndRoundsTowardMinusInfinity)
         {"product floors positive", raw(3) * ONE_HALF_X, 1},
         {"product floors negative", raw(-3) * ONE_HALF_X, -2},
         {"1.5 * -2", ONE_POINT_FIVE_X * tFixed(-2), -3 * 65536},
-        {"fromDouble truncates toward zero", deg(-0.25), static_cast<int32_t>(0xFFFFC000u)},
-        {"fromDouble below epsilon", deg(1.0 / 131072.0), 0},
-        {"fromDouble negative below epsilon", deg(-1.0 / 131072.0), 0},
+        {"fromFloat truncates toward zero", deg(-0.25), static_cast<int32_t>(0xFFFFC000u)},
+        {"fromFloat below epsilon", deg(1.0 / 131072.0), 0},
+        {"fromFloat negative below epsilon", deg(-1.0 / 131072.0), 0},
         {"division widens", tFixed(300) / tFixed(200), 0x18000},
     };
     for (const auto& c : cases)

@@ -37,7 +37,7 @@ int32_t number(const QJN::Value& v, const std::string& path)
 {
     if (!v.isDouble())
         fail(path, "expected a number");
-    return tFixed::fromDouble(v.asDouble()).raw();
+    return tFixed::fromFloat(v.asDouble()).raw();
 }
 
 int integer(const QJN::Value& v, const std::string& path)

@@ -34,7 +34,7 @@ bool fileExists(const std::string& path)
     return stat(path.c_str(), &st) == 0 && S_ISREG(st.st_mode);
 }
 
-tFixed fixedOf(const QJN::Value& v) { return tFixed::fromDouble(v.asDouble()); }
+tFixed fixedOf(const QJN::Value& v) { return tFixed::fromFloat(v.asDouble()); }
 
 } // namespace
 

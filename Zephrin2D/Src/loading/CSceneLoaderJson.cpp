@@ -24,7 +24,7 @@ const Tadwick::Vell::CDebugMPI& debug()
     return d;
 }
 
-tFixed fixedOf(const QJN::Value& v) { return tFixed::fromDouble(v.asDouble()); }
+tFixed fixedOf(const QJN::Value& v) { return tFixed::fromFloat(v.asDouble()); }
 
 /// The definition-number rule on an element object's "ID".
 template <class T>

@@ -10,7 +10,7 @@ namespace {
 
 long fixedOf(const QJN::Value& v, double fallback)
 {
-    return tFixed::fromDouble(v.isDouble() ? v.asDouble() : fallback).raw();
+    return tFixed::fromFloat(v.isDouble() ? v.asDouble() : fallback).raw();
 }
 
 struct tElementValues

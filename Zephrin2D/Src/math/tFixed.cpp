@@ -33,19 +33,6 @@ const uint16_t sin_table[360] = {
     65446, 65461, 65474, 65485, 65496, 65505, 65514, 65520, 65526, 65530, 65534, 65535,
 };
 
-tFixed tFixed::fromDouble(double value)
-{
-    double scaled = value * 65536.0;
-    // Out-of-range values would be undefined behaviour in the conversion; clamp them.
-    if (!(scaled == scaled))
-        return tFixed();
-    if (scaled >= 2147483647.0)
-        return MAX_X;
-    if (scaled <= -2147483648.0)
-        return MIN_X;
-    return fromRaw(static_cast<int32_t>(scaled));
-}
-
 tFixed sin(tFixed degrees)
 {
     int32_t x = degrees.raw();

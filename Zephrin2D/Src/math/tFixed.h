@@ -2,21 +2,40 @@
 #define ZEPHRIN2D_TFIXED_H
 
 #include <stdint.h>
+#include <type_traits>
 
 /// Signed 16.16 fixed point: value x 65536 in a 32-bit integer (1.0 is 0x10000).
 ///
 /// Addition and subtraction wrap; multiplication takes the 64-bit product
 /// shifted right by 16 (rounding toward minus infinity); comparisons compare
 /// the raw integers. Integers enter shifted left by 16.
+///
+/// Floating-point values enter only explicitly: tFixed::fromFloat(1.5) or the
+/// literal 1.5_x. tFixed(1.5) does not compile (it would silently be 1.0).
 class tFixed
 {
 public:
     constexpr tFixed() : mRaw(0) {}
     constexpr explicit tFixed(int integer) : mRaw(static_cast<int32_t>(static_cast<uint32_t>(integer) << 16)) {}
+    template <typename T, typename = std::enable_if_t<std::is_floating_point<T>::value>>
+    tFixed(T) = delete; // use fromFloat() or the _x literal
 
     static constexpr tFixed fromRaw(int32_t raw) { tFixed f; f.mRaw = raw; return f; }
-    /// value x 65536, truncated toward zero (how files give numbers).
-    static tFixed fromDouble(double value);
+    /// value x 65536, truncated toward zero (how files give numbers);
+    /// out-of-range values clamp to MIN_X / MAX_X, NaN gives 0.
+    static constexpr tFixed fromFloat(double value)
+    {
+        const double scaled = value * 65536.0;
+        if (!(scaled == scaled))
+            return tFixed();
+        if (scaled >= 2147483647.0)
+            return fromRaw(0x7FFFFFFF);
+        if (scaled <= -2147483648.0)
+            return fromRaw(static_cast<int32_t>(0x80000000u));
+        return fromRaw(static_cast<int32_t>(scaled));
+    }
+    /// The same as fromFloat().
+    static constexpr tFixed fromDouble(double value) { return fromFloat(value); }
 
     constexpr int32_t raw() const { return mRaw; }
     /// For tools and logs only: drawing never uses floating point.
@@ -59,6 +78,10 @@ inline constexpr tFixed ONE_POINT_FIVE_X = tFixed::fromRaw(0x00018000);
 inline constexpr tFixed EPSILON_X = tFixed::fromRaw(0x00000001);
 inline constexpr tFixed MAX_X = tFixed::fromRaw(0x7FFFFFFF);
 inline constexpr tFixed MIN_X = tFixed::fromRaw(static_cast<int32_t>(0x80000000u));
+
+/// 1.5_x is tFixed::fromFloat(1.5); 2_x is tFixed(2).
+constexpr tFixed operator""_x(long double value) { return tFixed::fromFloat(static_cast<double>(value)); }
+constexpr tFixed operator""_x(unsigned long long value) { return tFixed(static_cast<int>(value)); }
 
 /// sin(i x 0.25 degrees) x 65536, rounded, for i = 0 ... 359.
 extern const uint16_t sin_table[360];
