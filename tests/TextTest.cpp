@@ -8,12 +8,10 @@
 
 namespace {
 
-Glib::ustring kFont = "DejaVu Sans";
-
+// Every text here takes its font as a string literal.
 boost::shared_ptr<CText> makeText(const char* text, unsigned char size)
 {
-    boost::shared_ptr<CText> t(new CText(text, kFont, size));
-    return t;
+    return boost::shared_ptr<CText>(new CText(text, "DejaVu Sans", size));
 }
 
 TEST(Text, NextHighestPowerOfTwo)

@@ -39,6 +39,11 @@ unsigned int CText::nextHighestPowerOfTwo(unsigned int n)
 CText::CText() { construct(); }
 
 CText::CText(Glib::ustring text, Glib::ustring& font, unsigned char size)
+    : CText(text, static_cast<const Glib::ustring&>(font), size)
+{
+}
+
+CText::CText(Glib::ustring text, const Glib::ustring& font, unsigned char size)
 {
     construct();
     mText = text;
@@ -143,7 +148,9 @@ void CText::setText(Glib::ustring text)
     changed();
 }
 
-void CText::setFont(Glib::ustring& font)
+void CText::setFont(Glib::ustring& font) { setFont(static_cast<const Glib::ustring&>(font)); }
+
+void CText::setFont(const Glib::ustring& font)
 {
     if (font != mFontName)
         mFontNeedsLoading = true;

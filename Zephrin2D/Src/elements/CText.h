@@ -23,6 +23,9 @@ public:
 
     CText();
     CText(Glib::ustring text, Glib::ustring& font, unsigned char size);
+    /// The same, for a font given as a string literal or a temporary:
+    /// CText("Score", "DejaVu Sans", 16).
+    CText(Glib::ustring text, const Glib::ustring& font, unsigned char size);
     /// Copies the settings; the copy has its own texture and is rebuilt when next used.
     CText(const CText& other);
     CText& operator=(const CText& other);
@@ -30,6 +33,7 @@ public:
 
     void setText(Glib::ustring text);
     void setFont(Glib::ustring& font);
+    void setFont(const Glib::ustring& font);
     void setSize(unsigned char size);
     void setEncoding(unsigned long encoding);
     void setFontAttributes(Tadwick::Vell::tFontAttr attributes);
