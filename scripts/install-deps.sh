@@ -27,16 +27,23 @@ BENCH_PACKAGES="libsdl2-dev python3"
 # callgrind counts the instructions of the benchmark frames (and its header marks them).
 BENCH_PACKAGES="$BENCH_PACKAGES valgrind"
 [ "$1" = "--bench" ] && PACKAGES="$PACKAGES $BENCH_PACKAGES"
+# A real locale, for the test that animation labels survive one (generated below).
+PACKAGES="$PACKAGES locales"
 missing=""
 for p in $PACKAGES; do
   if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed"; then
     missing="$missing $p"
   fi
 done
-[ -z "$missing" ] && exit 0
 SUDO=""
 [ "$(id -u)" -ne 0 ] && SUDO="sudo"
-echo "install-deps: installing$missing"
-export DEBIAN_FRONTEND=noninteractive
-$SUDO apt-get update -qq
-$SUDO apt-get install -y -qq --no-install-recommends $missing >/dev/null
+if [ -n "$missing" ]; then
+  echo "install-deps: installing$missing"
+  export DEBIAN_FRONTEND=noninteractive
+  $SUDO apt-get update -qq
+  $SUDO apt-get install -y -qq --no-install-recommends $missing >/dev/null
+fi
+if ! locale -a 2>/dev/null | grep -qix 'en_US.utf-\{0,1\}8'; then
+  echo "install-deps: generating the en_US.UTF-8 locale"
+  $SUDO localedef -i en_US -c -f UTF-8 en_US.UTF-8
+fi

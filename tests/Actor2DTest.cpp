@@ -5,6 +5,7 @@
 #include "CDrawManager.h"
 
 #include <boost/make_shared.hpp>
+#include <clocale>
 #include <string>
 #include <vector>
 
@@ -208,6 +209,53 @@ TEST_F(Actor2DTest, UpdateFunctionRunsOnEveryCall)
     stopped->update(7);
     EXPECT_EQ(gUpdates, (std::vector<int>{5, 7}));
     EXPECT_EQ(stopped->getElapsedInCel(), 0);
+}
+
+// The pointer setters take plain functions and captureless lambdas; closures go to their overloads.
+TEST_F(Actor2DTest, CallbacksTakeFunctionsLambdasAndClosures)
+{
+    boost::shared_ptr<CActor2D> actor = build({{10, "walk", {}, {TRIGGER7}}, {10, "jump", {}, {}}});
+    std::vector<std::string> seen;
+    auto note = [&seen](const std::string& s) { seen.push_back(s); };
+    std::function<void(CBaseActor*, int)> record = [&](CBaseActor*, int v) { note("function " + std::to_string(v)); };
+    actor->setUpdateFunction(onUpdate);
+    actor->update(0);
+    actor->setUpdateFunction([](CBaseActor*, int v) { gUpdates.push_back(v + 100); });
+    actor->update(1);
+    actor->setUpdateFunction(record);
+    actor->update(2);
+    actor->setUpdateFunction(nullptr);
+    actor->update(3);
+    actor->setUpdateFunction([&](CBaseActor* a, int) { note("once"); a->setUpdateFunction(nullptr); });
+    actor->setTriggerFunction([&](CBaseActor*, int v) { note("trigger " + std::to_string(v)); });
+    actor->setAnimationDoneFunction([&](CBaseActor* a, Glib::ustring const&) {
+        note("done " + static_cast<CActor2D*>(a)->getCurrentAnimationLabel().raw());
+    });
+    actor->update(4);
+    actor->update(0);
+    EXPECT_EQ(gUpdates, (std::vector<int>{0, 101}));
+    EXPECT_EQ(seen, (std::vector<std::string>{"function 2", "once", "trigger 7", "done walk"}));
+}
+
+// Under a real locale the done callback's label is a sorting key; the actor still knows the label.
+TEST_F(Actor2DTest, LabelsSurviveARealLocale)
+{
+    const std::string previous = setlocale(LC_ALL, nullptr);
+    if (!setlocale(LC_ALL, "en_US.UTF-8"))
+        GTEST_SKIP() << "no en_US.UTF-8 locale";
+    boost::shared_ptr<CActor2D> actor = build({{10, "walk", {}, {}}, {10, "look", {}, {}}});
+    std::string key, label;
+    actor->setAnimationDoneFunction([&](CBaseActor* a, Glib::ustring const& k) {
+        CActor2D* actor2D = static_cast<CActor2D*>(a);
+        key = k.raw();
+        label = actor2D->getCurrentAnimationLabel().raw();
+        actor2D->gotoAndPlay(actor2D->getCurrentAnimationLabel());
+    });
+    actor->update(10);
+    setlocale(LC_ALL, previous.c_str());
+    EXPECT_NE(key, "walk");
+    EXPECT_EQ(label, "walk");
+    EXPECT_EQ(actor->getCurrentCelOffset(), 0) << "the label leads back to the animation";
 }
 
 TEST_F(Actor2DTest, BuildingOffsets)

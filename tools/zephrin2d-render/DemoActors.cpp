@@ -98,9 +98,10 @@ private:
             walker->gotoAndPlay("look");
     }
 
-    static void onWalkerDone(CBaseActor* actor, Glib::ustring const& label)
+    // The label argument is a collation key; the actor knows the label itself.
+    static void onWalkerDone(CBaseActor* actor, Glib::ustring const&)
     {
-        if (label.raw() != Glib::ustring("look").collate_key())
+        if (static_cast<CActor2D*>(actor)->getCurrentAnimationLabel() != "look")
             return;
         tState& s = sDemo->mState[actor];
         if (++s.looks % LOOKS == 0)

@@ -8,9 +8,10 @@ const char* const kImages[] = {"ball_pal4.png", "bricks_rgb.png", "ghost_pal8_tr
                                "star_pal4_trns.png"};
 const int kImageCount = sizeof(kImages) / sizeof(kImages[0]);
 
-void loopAnimation(CBaseActor* actor, Glib::ustring const& label)
+void loopAnimation(CBaseActor* actor, Glib::ustring const&)
 {
-    static_cast<CActor2D*>(actor)->gotoAndPlay(label);
+    CActor2D* actor2D = static_cast<CActor2D*>(actor);
+    actor2D->gotoAndPlay(actor2D->getCurrentAnimationLabel());
 }
 
 } // namespace

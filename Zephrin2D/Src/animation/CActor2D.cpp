@@ -74,8 +74,7 @@ CActor2D::tAnimationMap::iterator CActor2D::repoint(const CActor2D& other, tAnim
 
 void CActor2D::update(int elapsed)
 {
-    if (mUpdateFunction)
-        mUpdateFunction(this, elapsed);
+    callUpdateFunction(elapsed);
     if (mCels.empty())
         return;
     if (!(mStateFlags & PLAYING)) {
@@ -110,8 +109,8 @@ void CActor2D::update(int elapsed)
             mDoneLabel = mCurrentAnimationIterator->first;
         }
         executeOperations(true);
-        if ((mStateFlags & ENDED) && mAnimationDoneFunction) {
-            mAnimationDoneFunction(this, mDoneLabel);
+        if ((mStateFlags & ENDED) && hasAnimationDoneFunction()) {
+            callAnimationDoneFunction(mDoneLabel);
             if (!(mStateFlags & PLAYING))
                 return;
         }
@@ -165,8 +164,7 @@ void CActor2D::executeOperations(bool exit)
             gotoCel(op.oparg);
             break;
         case operation::TRIGGER:
-            if (mTriggerFunction)
-                mTriggerFunction(this, op.oparg);
+            callTriggerFunction(op.oparg);
             mStateFlags |= TRIGGERED;
             break;
         case operation::STOP:
