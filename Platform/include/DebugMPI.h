@@ -27,6 +27,11 @@ public:
 
     void SetDebugLevel(int level);
     int GetDebugLevel() const;
+    /// Sets the level unless ZEPHRIN2D_DEBUG_LEVEL gives one. A program that
+    /// should say nothing while it works calls SetDefaultDebugLevel(1) first:
+    /// the "CGraphics2D::init()" and "CGraphics2D::cleanup()" lines are
+    /// level 2; problems are level 1, and the variable still raises the level.
+    static void SetDefaultDebugLevel(int level);
     int GetModule() const { return mModule; }
 
     /// Installs a handler (an empty one restores standard error); returns the previous one.

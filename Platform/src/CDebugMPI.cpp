@@ -10,16 +10,22 @@ namespace Vell {
 
 namespace {
 
-int initialLevel()
+int clampLevel(int level) { return level < 0 ? 0 : level > 5 ? 5 : level; }
+
+bool levelFromEnvironment(int& level)
 {
     const char* env = getenv("ZEPHRIN2D_DEBUG_LEVEL");
-    if (env && *env) {
-        int level = atoi(env);
-        if (level < 0) level = 0;
-        if (level > 5) level = 5;
-        return level;
-    }
-    return 2;
+    if (!env || !*env)
+        return false;
+    level = clampLevel(atoi(env));
+    return true;
+}
+
+int initialLevel()
+{
+    int level = 2;
+    levelFromEnvironment(level);
+    return level;
 }
 
 int& level()
@@ -77,6 +83,13 @@ void CDebugMPI::DebugOut(int msgLevel, const char* format, ...) const
 }
 
 void CDebugMPI::SetDebugLevel(int newLevel) { level() = newLevel; }
+
+void CDebugMPI::SetDefaultDebugLevel(int newLevel)
+{
+    int fromEnvironment;
+    if (!levelFromEnvironment(fromEnvironment))
+        level() = clampLevel(newLevel);
+}
 
 int CDebugMPI::GetDebugLevel() const { return level(); }
 

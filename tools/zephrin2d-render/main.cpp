@@ -7,6 +7,7 @@
 #include "ImageIO.h"
 
 #include "CGraphics2D.h"
+#include <DebugMPI.h>
 #include <VellOpenGLConfig.h>
 
 #include <algorithm>
@@ -283,6 +284,8 @@ int run(const tOptions& options, Demo& demo)
 
 int main(int argc, char** argv)
 {
+    // Quiet while it works; ZEPHRIN2D_DEBUG_LEVEL asks for more.
+    Tadwick::Vell::CDebugMPI::SetDefaultDebugLevel(1);
     tOptions options;
     if (!parseOptions(argc, argv, options))
         return 2;
