@@ -7,16 +7,16 @@
 
 int main()
 {
-    CGraphics2D::Instance()->init(tVect2{tFixed(320), tFixed(240)}, tColor{0, 0, 0, 255}, 0, 0);
+    CGraphics2D::Instance()->init(tVect2{320_x, 240_x}, tColor{0, 0, 0, 255}, 0, 0);
     {
         // 256x256, stretched over the screen, at the back (z 0).
         boost::shared_ptr<CBillboard> backdrop = boost::make_shared<CBillboard>("art/backdrop.png", true);
-        backdrop->scaleTo(tVect2{tFixed(320) / tFixed(256), tFixed(240) / tFixed(256)});
+        backdrop->scaleTo(tVect2{1.25_x, 0.9375_x});
         CDrawManager::Instance()->add(backdrop);
 
         // A billboard's origin is the picture's bottom-left corner; greater z is nearer.
         boost::shared_ptr<CBillboard> hero = boost::make_shared<CBillboard>("art/hero_walk0.png", true);
-        hero->moveTo(tVect3{tFixed(128), tFixed(24), ONE_X});
+        hero->moveTo(tVect3{128_x, 24_x, ONE_X});
         CDrawManager::Instance()->add(hero);
 
         CGraphics2D::Instance()->clearBuffer();

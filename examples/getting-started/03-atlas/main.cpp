@@ -8,12 +8,12 @@
 
 int main()
 {
-    CGraphics2D::Instance()->init(tVect2{tFixed(320), tFixed(240)}, tColor{0, 0, 0, 255}, 0, 0);
+    CGraphics2D::Instance()->init(tVect2{320_x, 240_x}, tColor{0, 0, 0, 255}, 0, 0);
     {
         CTextureSheet sheet("art/sheet.json");
 
         boost::shared_ptr<CBillboard> backdrop = boost::make_shared<CBillboard>("art/backdrop.png", true);
-        backdrop->scaleTo(tVect2{tFixed(320) / tFixed(256), tFixed(240) / tFixed(256)});
+        backdrop->scaleTo(tVect2{1.25_x, 0.9375_x});
         CDrawManager::Instance()->add(backdrop);
 
         for (int i = 0; i < 5; ++i) {
@@ -22,7 +22,7 @@ int main()
             CDrawManager::Instance()->add(coin);  // the draw manager keeps it
         }
         boost::shared_ptr<CBillboard> mushroom = boost::make_shared<CBillboard>("mushroom", &sheet, true);
-        mushroom->moveTo(tVect3{tFixed(240), tFixed(24), ONE_X});
+        mushroom->moveTo(tVect3{240_x, 24_x, ONE_X});
         CDrawManager::Instance()->add(mushroom);
 
         CGraphics2D::Instance()->clearBuffer();

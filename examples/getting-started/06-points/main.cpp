@@ -7,10 +7,10 @@
 
 int main()
 {
-    CGraphics2D::Instance()->init(tVect2{tFixed(320), tFixed(240)}, tColor{0, 0, 0, 255}, 0, 0);
+    CGraphics2D::Instance()->init(tVect2{320_x, 240_x}, tColor{0, 0, 0, 255}, 0, 0);
     {
         boost::shared_ptr<CBillboard> backdrop = boost::make_shared<CBillboard>("art/backdrop.png", true);
-        backdrop->scaleTo(tVect2{tFixed(320) / tFixed(256), tFixed(240) / tFixed(256)});
+        backdrop->scaleTo(tVect2{1.25_x, 0.9375_x});
         CDrawManager::Instance()->add(backdrop);
 
         const int count = 40;
@@ -27,7 +27,7 @@ int main()
             for (int i = 0; i < count; ++i) {  // each rises at its own speed, and wraps at the top
                 tVect3 p = sparkles->getVertexN(i);
                 p.y = p.y + tFixed(1 + i % 3);
-                if (p.y > tFixed(240))
+                if (p.y > 240_x)
                     p.y = ZERO_X;
                 sparkles->setVertexN(i, p);
             }

@@ -11,27 +11,26 @@
 
 int main()
 {
-    CGraphics2D::Instance()->init(tVect2{tFixed(320), tFixed(240)}, tColor{0, 0, 0, 255}, 0, 0);
+    CGraphics2D::Instance()->init(tVect2{320_x, 240_x}, tColor{0, 0, 0, 255}, 0, 0);
     {
         CDrawManager* drawing = CDrawManager::Instance();
         CTextureSheet sheet("art/sheet.json");
         boost::shared_ptr<CBillboard> backdrop = boost::make_shared<CBillboard>("art/backdrop.png", true);
-        backdrop->scaleTo(tVect2{tFixed(320) / tFixed(256), tFixed(240) / tFixed(256)});
+        backdrop->scaleTo(tVect2{1.25_x, 0.9375_x});
         drawing->add(backdrop);
 
         std::vector<boost::shared_ptr<CBillboard> > coins;
         for (int i = 0; i < 4; ++i) {
             coins.push_back(boost::make_shared<CBillboard>("coin", &sheet, true));
-            coins.back()->moveTo(tVect3{tFixed(52 + i * 56), tFixed(60), ONE_X});
+            coins.back()->moveTo(tVect3{tFixed(52 + i * 56), 60_x, ONE_X});
             drawing->add(coins.back());
         }
         boost::shared_ptr<CActor2D> hero = boost::make_shared<CActor2D>("art/hero.json", nullptr, nullptr);
-        hero->moveTo(tVect3{tFixed(24), tFixed(24), tFixed(2)});
+        hero->moveTo(tVect3{24_x, 24_x, 2_x});
         drawing->add(hero);
 
-        Glib::ustring font = "DejaVu Sans";
-        boost::shared_ptr<CText> score = boost::make_shared<CText>("Coins: 0", font, 16);
-        score->moveTo(tVect3{tFixed(12), tFixed(216), tFixed(4)});
+        boost::shared_ptr<CText> score = boost::make_shared<CText>("Coins: 0", "DejaVu Sans", 16);
+        score->moveTo(tVect3{12_x, 216_x, 4_x});
         drawing->add(score);
 
         boost::shared_ptr<CGraphicPoints> sparkles = boost::make_shared<CGraphicPoints>(12, "art/sparkle.png");
@@ -42,15 +41,15 @@ int main()
         for (int frame = 1; frame <= 120; ++frame) {
             hero->update(33);
             if (hero->getCurrentAnimationLabel() == "walk")
-                hero->moveBy(tVect2{tFixed(2), ZERO_X});
-            if (hero->getX() >= tFixed(260) && hero->getCurrentAnimationLabel() == "walk")
+                hero->moveBy(tVect2{2_x, ZERO_X});
+            if (hero->getX() >= 260_x && hero->getCurrentAnimationLabel() == "walk")
                 hero->gotoAndPlay("wave");
 
             for (size_t i = 0; i < coins.size(); ++i) {
-                if (coins[i]->getVisibility() && coins[i]->getX() + tFixed(20) <= hero->getX()) {
+                if (coins[i]->getVisibility() && coins[i]->getX() + 20_x <= hero->getX()) {
                     coins[i]->setVisibility(false);
                     score->setText("Coins: " + std::to_string(++collected));
-                    sparkles->moveTo(tVect3{coins[i]->getX() + tFixed(20), tFixed(80), tFixed(3)});
+                    sparkles->moveTo(tVect3{coins[i]->getX() + 20_x, 80_x, 3_x});
                     sparkles->setVisibility(true);
                     burstAge = 0;
                 }
