@@ -29,3 +29,23 @@ foreach(run ${check_runs})
     WORKING_DIRECTORY ${PROJECT_SOURCE_DIR})
   set_tests_properties(check-examples-${dir} PROPERTIES LABELS tools)
 endforeach()
+
+# The render tool fails loudly: a scene with a problem still draws but exits 1
+# with a one-line summary; a clean one exits 0 and prints nothing.
+foreach(case "render-missing.json:" "postion.json:" "sheet-names.json:--sheet sheet.json" "render-clean.json:")
+  string(FIND "${case}" ":" colon)
+  string(SUBSTRING "${case}" 0 ${colon} scene)
+  math(EXPR colon "${colon} + 1")
+  string(SUBSTRING "${case}" ${colon} -1 options)
+  separate_arguments(options)
+  if(scene STREQUAL "render-clean.json")
+    set(expect "[ $s -eq 0 ] && [ ! -s \"$out\" ]")
+  else()
+    set(expect "[ $s -eq 1 ] && [ $(wc -l < \"$out\") -eq 1 ] && grep -q \"^zephrin2d-render: ${scene}: [0-9]* problems\\? while loading (first: .*); run zephrin2d-check .*${scene} for each with its place$\" \"$out\"")
+  endif()
+  add_test(NAME render-loud-${scene}
+    COMMAND sh -c "out=\"$1\"; shift; \"$0\" \"$@\" --frames 1 > \"$out\" 2>&1; s=$?; cat \"$out\"; ${expect}"
+      $<TARGET_FILE:zephrin2d-render> ${CMAKE_CURRENT_BINARY_DIR}/render-loud-${scene}.txt ${options} ${scene}
+    WORKING_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR}/data/check)
+  set_tests_properties(render-loud-${scene} PROPERTIES LABELS tools ENVIRONMENT ZEPHRIN2D_DEBUG_LEVEL=1)
+endforeach()

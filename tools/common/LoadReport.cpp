@@ -25,7 +25,7 @@ std::string oneLine(std::string text)
 
 } // namespace
 
-LoadReport::LoadReport() : mCount(0)
+LoadReport::LoadReport() : mCount(0), mFound(0)
 {
     BaseUtils::SetAssertListener([this](const char*, int, const std::string& message) { note(message); });
     Tadwick::Vell::CDebugMPI::SetListener([this](int, int level, const std::string& text) {
@@ -43,12 +43,21 @@ LoadReport::~LoadReport()
 void LoadReport::reset()
 {
     mCount = 0;
+    mFound = 0;
     mFirst.clear();
+}
+
+void LoadReport::add(int count, const std::string& first)
+{
+    if (count <= 0)
+        return;
+    mFirst = oneLine(first);
+    mFound += count;
 }
 
 void LoadReport::note(const std::string& text)
 {
-    if (mCount++ == 0)
+    if (mCount++ == 0 && mFound == 0)
         mFirst = oneLine(text);
 }
 
@@ -64,8 +73,9 @@ bool LoadReport::isFailure(int level, const std::string& text)
     return false;
 }
 
-std::string LoadReport::summary(const std::string& file) const
+std::string LoadReport::summary(const std::string& file, const std::string& checkArguments) const
 {
-    return file + ": " + std::to_string(mCount) + (mCount == 1 ? " problem" : " problems") +
-           " while loading (first: " + mFirst + "); run zephrin2d-check " + file + " for each with its place";
+    return file + ": " + std::to_string(count()) + (count() == 1 ? " problem" : " problems") +
+           " while loading (first: " + mFirst + "); run zephrin2d-check " +
+           (checkArguments.empty() ? file : checkArguments) + " for each with its place";
 }

@@ -13,12 +13,16 @@ public:
     ~LoadReport();
 
     void reset();
-    int count() const { return mCount; }
+    /// Problems found beforehand by the content checker, first the first of
+    /// them. Most are also reported while loading, so the count is the larger
+    /// of the two, and the checker's first (which has a place) is shown.
+    void add(int count, const std::string& first);
+    int count() const { return mCount > mFound ? mCount : mFound; }
     const std::string& first() const { return mFirst; }
 
     /// One line naming the file, the count and the first problem, and
-    /// suggesting zephrin2d-check for the details.
-    std::string summary(const std::string& file) const;
+    /// suggesting zephrin2d-check (with checkArguments, default: the file) for the details.
+    std::string summary(const std::string& file, const std::string& checkArguments = std::string()) const;
 
     /// Whether a debug message reports content that did not load.
     static bool isFailure(int level, const std::string& text);
@@ -29,6 +33,7 @@ private:
     void note(const std::string& text);
 
     int mCount;
+    int mFound;
     std::string mFirst;
 };
 

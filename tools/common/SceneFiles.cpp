@@ -74,6 +74,19 @@ std::string SceneOptions::billboardPrefix() const
     return slash == std::string::npos ? std::string() : scene.substr(0, slash + 1);
 }
 
+std::string SceneOptions::checkArguments() const
+{
+    std::string args;
+    const std::pair<const char*, const std::string*> options[] = {
+        {"--sheet", &sheet}, {"--costume", &costume}, {"--art-path", &artPath}};
+    for (const auto& option : options)
+        if (!option.second->empty())
+            args += std::string(option.first) + " " + *option.second + " ";
+    if (hasDefaultPath)
+        args += "--default-path '" + defaultPath + "' ";
+    return args + scene;
+}
+
 const char* SceneOptions::help()
 {
     return "  --sheet FILE        a texture-sheet description for the scene's billboards\n"

@@ -29,6 +29,8 @@ struct SceneOptions
     /// What billboard file names are put behind: --default-path when given,
     /// else the scene file's directory (with its slash).
     std::string billboardPrefix() const;
+    /// The arguments that make zephrin2d-check look at these files as they are loaded.
+    std::string checkArguments() const;
     /// The option lines for --help.
     static const char* help();
     /// Splits "--name=value" into arg and value; returns whether a value was given.

@@ -1,6 +1,7 @@
 // zephrin2d-dset: compiles an actor or costume JSON file into a dataset.
 #include "DsetCompiler.h"
 #include "ImageCheck.h"
+#include "LoadReport.h"
 #include "Verify.h"
 
 #include "CGraphics2D.h"
@@ -90,6 +91,7 @@ int main(int argc, char** argv)
         if (output.size() > 5 && output.compare(output.size() - 5, 5, ".json") == 0)
             output.resize(output.size() - 5);
     }
+    LoadReport report;
     std::string error;
     DsetCompiler::tKind kind = DsetCompiler::detectKind(input, error);
     std::vector<std::string> missing;
@@ -115,6 +117,10 @@ int main(int argc, char** argv)
             return 1;
         }
         printf("%s.dsetBin: verified\n", output.c_str());
+    }
+    if (report.count() > 0) {
+        fprintf(stderr, "zephrin2d-dset: %s\n", report.summary(input).c_str());
+        return 1;
     }
     return 0;
 }

@@ -1,6 +1,7 @@
 // zephrin2d-dump: prints the XML document of an actor or costume JSON file.
 #include "DsetDump.h"
 #include "DsetSource.h"
+#include "LoadReport.h"
 
 #include <DebugMPI.h>
 #include <QJN.h>
@@ -56,6 +57,7 @@ int main(int argc, char** argv)
         usage(stderr);
         return 2;
     }
+    LoadReport report;
     std::string jsonPath = path, detected, tmp;
     const bool dataset = path.size() > 8 && path.compare(path.size() - 8, 8, ".dsetBin") == 0;
     if (dataset) {
@@ -104,6 +106,10 @@ int main(int argc, char** argv)
     else {
         fprintf(stderr, "zephrin2d-dump: %s: neither an actor (no \"Animation\") nor a costume (no \"LODList\")\n",
                 path.c_str());
+        return 1;
+    }
+    if (report.count() > 0) {
+        fprintf(stderr, "zephrin2d-dump: %s\n", report.summary(path).c_str());
         return 1;
     }
     return 0;

@@ -5,6 +5,8 @@
 
 #include "GLRecorder.h"
 #include "ImageIO.h"
+#include "ContentCheck.h"
+#include "LoadReport.h"
 
 #include "CGraphics2D.h"
 #include <DebugMPI.h>
@@ -246,6 +248,15 @@ int run(const tOptions& options, Demo& demo)
         std::fprintf(stderr, "%s: no OpenGL ES context\n", kTool);
         return 1;
     }
+    // A scene that loads with problems still draws (with its fallbacks) but fails the run.
+    // What the loaders let pass (a misspelt optional key) counts as well: the checker finds it first.
+    SceneOptions sceneFiles = options.sceneFiles;
+    sceneFiles.scene = options.scene;
+    std::string firstFound;
+    const int found = options.scene.empty() ? 0 : ContentCheck::errorsIn(sceneFiles, firstFound);
+    std::unique_ptr<LoadReport> report(options.scene.empty() ? 0 : new LoadReport());
+    if (report)
+        report->add(found, firstFound);
     demo.build(o);
     if (demo.failed())
         return 1;
@@ -277,6 +288,10 @@ int run(const tOptions& options, Demo& demo)
     }
     if (!options.out.empty() && !toDirectory && !writeFrame(options.out))
         return 1;
+    if (report && report->count() > 0) {
+        std::fprintf(stderr, "%s: %s\n", kTool, report->summary(options.scene, sceneFiles.checkArguments()).c_str());
+        return 1;
+    }
     return 0;
 }
 

@@ -1,8 +1,12 @@
 // zephrin2d-view: a scene file in an X11 window, animated in real time.
+#include "ContentCheck.h"
 #include "GLRecorder.h"
+#include "LoadReport.h"
 #include "SceneFiles.h"
 
+#include "CDrawManager.h"
 #include "CGraphics2D.h"
+#include "CText.h"
 
 #include <DebugMPI.h>
 #include <VellOpenGLConfig.h>
@@ -15,6 +19,7 @@
 #include <cstring>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -87,6 +92,71 @@ bool parse(int argc, char** argv, tOptions& o, bool& help)
     return true;
 }
 
+/// What the last load reported: on standard error, in the window title and
+/// on screen, so that a scene with problems is not just a black window.
+class ProblemNote
+{
+public:
+    explicit ProblemNote(const tOptions& o) : mOptions(o) {}
+    ~ProblemNote() { clear(); }
+
+    /// Loads (or reloads) the scene; false when it failed or reported problems.
+    bool load(SceneFiles& scene, std::string& error)
+    {
+        clear();
+        std::string firstFound;
+        const int found = ContentCheck::errorsIn(mOptions.files, firstFound);
+        mReport.reset();
+        mReport.add(found, firstFound);
+        const bool loaded = scene.load(error);
+        if (!loaded)
+            mLines.push_back(error);
+        if (mReport.count() > 0) {
+            const std::string summary = mReport.summary(mOptions.files.scene, mOptions.files.checkArguments());
+            std::fprintf(stderr, "%s: %s\n", kTool, summary.c_str());
+            mLines.push_back(mOptions.files.scene + ": " + std::to_string(mReport.count()) + " problems while loading");
+            mLines.push_back("first: " + mReport.first());
+            mLines.push_back("run zephrin2d-check " + mOptions.files.checkArguments());
+            mLines.push_back("then press r to reload");
+        } else if (!loaded) {
+            std::fprintf(stderr, "%s: %s\n", kTool, error.c_str());
+        }
+        show();
+        return loaded && mReport.count() == 0;
+    }
+
+    std::string title() const
+    {
+        return mLines.empty() ? mOptions.files.scene : "PROBLEMS: " + mLines[0] + " - " + mOptions.files.scene;
+    }
+
+    void clear()
+    {
+        for (const boost::shared_ptr<CText>& text : mTexts)
+            CDrawManager::Instance()->remove(text);
+        mTexts.clear();
+        mLines.clear();
+    }
+
+private:
+    void show()
+    {
+        Glib::ustring font = "DejaVu Sans";
+        for (size_t i = 0; i < mLines.size(); ++i) {
+            boost::shared_ptr<CText> text(new CText(mLines[i], font, 12));
+            text->setColor(tColor{255, 80, 60, 255});
+            text->moveTo(tVect3{tFixed(6), tFixed(mOptions.height - 18 * static_cast<int>(i + 1)), tFixed(9)});
+            CDrawManager::Instance()->add(text);
+            mTexts.push_back(text);
+        }
+    }
+
+    const tOptions& mOptions;
+    LoadReport mReport;
+    std::vector<std::string> mLines;
+    std::vector<boost::shared_ptr<CText> > mTexts;
+};
+
 enum tKey { KEY_NONE, KEY_QUIT, KEY_PAUSE, KEY_STEP, KEY_RELOAD };
 
 /// The next key or window event, KEY_NONE when there is none.
@@ -129,10 +199,9 @@ int view(const tOptions& o)
 
     SceneFiles scene(o.files);
     std::string error;
-    // The exit status tells whether the scene shown last loaded.
-    bool loaded = scene.load(error);
-    if (!loaded)
-        std::fprintf(stderr, "%s: %s\n", kTool, error.c_str());
+    // The exit status tells whether the scene shown last loaded without problems.
+    ProblemNote note(o);
+    bool loaded = note.load(scene, error);
 
     typedef std::chrono::steady_clock tClock;
     const std::chrono::milliseconds frameTime(16);
@@ -147,11 +216,8 @@ int view(const tOptions& o)
             break;
         if (key == KEY_PAUSE)
             paused = !paused;
-        if (key == KEY_RELOAD) {
-            loaded = scene.reload(error);
-            if (!loaded)
-                std::fprintf(stderr, "%s: %s\n", kTool, error.c_str());
-        }
+        if (key == KEY_RELOAD)
+            loaded = note.load(scene, error);
         const tClock::time_point now = tClock::now();
         const int elapsed = static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(now - last).count());
         last = now;
@@ -180,9 +246,9 @@ int view(const tOptions& o)
         ++framesSinceTitle;
         const double seconds = std::chrono::duration<double>(now - titleAt).count();
         if (seconds >= 0.5) {
-            char title[160];
+            char title[512];
             std::snprintf(title, sizeof title, "%s  %.0f fps  %lu draw calls  %lu bytes uploaded%s",
-                          o.files.scene.c_str(), framesSinceTitle / seconds, counters.drawCalls, counters.uploadBytes,
+                          note.title().c_str(), framesSinceTitle / seconds, counters.drawCalls, counters.uploadBytes,
                           paused ? "  (paused)" : "");
             config->setWindowTitle(title);
             titleAt = now;
@@ -194,6 +260,7 @@ int view(const tOptions& o)
         if (spent < frameTime)
             std::this_thread::sleep_for(frameTime - spent);
     }
+    note.clear();
     scene.unload();
     return loaded ? status : 1;
 }

@@ -35,6 +35,14 @@ std::vector<Report::tDiagnostic> Report::sorted() const
     return list;
 }
 
+std::string Report::firstError() const
+{
+    for (const tDiagnostic& d : sorted())
+        if (d.severity == Error)
+            return d.file + ":" + std::to_string(d.line) + ":" + std::to_string(d.column) + ": " + d.message;
+    return std::string();
+}
+
 void Report::printText(std::ostream& out) const
 {
     for (const tDiagnostic& d : sorted())

@@ -27,6 +27,8 @@ public:
 
     int errors() const { return mErrors; }
     int warnings() const { return mWarnings; }
+    /// The first error as FILE:LINE:COLUMN: message (empty without errors).
+    std::string firstError() const;
 
     /// FILE:LINE:COLUMN: error|warning: message lines, then the summary line.
     void printText(std::ostream& out) const;

@@ -25,6 +25,10 @@ public:
     /// the tools would load the files with.
     ContentCheck(Report& report, const SceneOptions& options);
 
+    /// The errors of the scene file of options, found quietly (nothing is
+    /// printed, no listener is told); first is the first one.
+    static int errorsIn(const SceneOptions& options, std::string& first);
+
     /// Checks one file; Unknown detects the kind from the content.
     void check(const std::string& path, Kind kind);
 

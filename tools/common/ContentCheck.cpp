@@ -5,6 +5,8 @@
 #include "CAvatarCostume.h"
 #include "CTextureSheet.h"
 
+#include <BaseUtils.h>
+#include <DebugMPI.h>
 #include <SystemData.h>
 
 #include <algorithm>
@@ -100,6 +102,24 @@ ContentCheck::ContentCheck(Report& report, const SceneOptions& options) : mRepor
         CSystemData::Instance()->AddArtPath(mOptions.artPath);
     loadSheetNames();
     mHasCostume = !mOptions.costume.empty();
+}
+
+int ContentCheck::errorsIn(const SceneOptions& options, std::string& first)
+{
+    using Tadwick::Vell::CDebugMPI;
+    const CDebugMPI::tHandler handler = CDebugMPI::SetHandler([](int, int, const std::string&) {});
+    const CDebugMPI::tHandler listener = CDebugMPI::SetListener(CDebugMPI::tHandler());
+    const BaseUtils::tAssertHandler assertListener = BaseUtils::SetAssertListener(BaseUtils::tAssertHandler());
+    Report report;
+    {
+        ContentCheck check(report, options);
+        check.check(options.scene, Scene);
+    }
+    BaseUtils::SetAssertListener(assertListener);
+    CDebugMPI::SetListener(listener);
+    CDebugMPI::SetHandler(handler);
+    first = report.firstError();
+    return report.errors();
 }
 
 void ContentCheck::loadSheetNames()
