@@ -24,7 +24,13 @@ SAN_ENV = LD_PRELOAD=$(GL_DRIVER) \
   UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1
 SOAK = $(BUILD)/tools/zephrin2d-soak/zephrin2d-soak
 
-.PHONY: all deps deps-reliability configure build test demo bench clean test-sanitize fuzz leak-check soak
+# Test power (docs/testing.md): coverage of the libraries, and mutation testing.
+COVERAGE_BUILD ?= build-coverage
+MUTATION_BUILD ?= build-mutation
+SEED ?= 16
+MUTANTS ?= 200
+
+.PHONY: all deps deps-reliability configure build test demo bench clean test-sanitize fuzz leak-check soak coverage mutation
 
 all: build
 
@@ -96,5 +102,22 @@ leak-check: deps-reliability build
 soak: build
 	@$(SOAK) --frames $(FRAMES) --csv $(BUILD)/soak.csv
 
+# Line and branch coverage of Zephrin2D/Src and Platform/src by the whole suite.
+coverage:
+	@./scripts/install-deps.sh --coverage
+	@cmake -S . -B $(COVERAGE_BUILD) -DCMAKE_BUILD_TYPE=Debug -DCMAKE_C_FLAGS=--coverage \
+	  -DCMAKE_CXX_FLAGS=--coverage -DCMAKE_EXE_LINKER_FLAGS=--coverage -DCMAKE_SHARED_LINKER_FLAGS=--coverage >/dev/null
+	@cmake --build $(COVERAGE_BUILD) -j$(JOBS)
+	@find $(COVERAGE_BUILD) -name '*.gcda' -delete
+	@cd $(COVERAGE_BUILD) && ctest -j$(JOBS) --output-on-failure
+	@gcovr -r . $(COVERAGE_BUILD) --filter 'Zephrin2D/Src/' --filter 'Platform/src/' \
+	  --exclude-throw-branches --exclude-unreachable-branches --print-summary \
+	  --txt $(COVERAGE_BUILD)/coverage.txt --html-details $(COVERAGE_BUILD)/coverage.html
+	@echo "Coverage report: $(COVERAGE_BUILD)/coverage.txt and coverage.html"
+
+# A seeded sample of MUTANTS mutants of the libraries, each run against the suite.
+mutation: deps
+	@nice -n 19 python3 scripts/mutation.py --build $(MUTATION_BUILD) --seed $(SEED) --count $(MUTANTS)
+
 clean:
-	rm -rf $(BUILD) $(BUILD)-bench $(SANITIZE_BUILD) $(FUZZ_BUILD)
+	rm -rf $(BUILD) $(BUILD)-bench $(SANITIZE_BUILD) $(FUZZ_BUILD) $(COVERAGE_BUILD) $(MUTATION_BUILD)

@@ -29,6 +29,10 @@ BENCH_PACKAGES="$BENCH_PACKAGES valgrind"
 [ "$1" = "--bench" ] && PACKAGES="$PACKAGES $BENCH_PACKAGES"
 # A real locale, for the test that animation labels survive one (generated below).
 PACKAGES="$PACKAGES locales"
+# make mutation is a python3 script.
+PACKAGES="$PACKAGES python3"
+# With --coverage also gcovr, for the line and branch coverage report.
+[ "$1" = "--coverage" ] && PACKAGES="$PACKAGES gcovr"
 missing=""
 for p in $PACKAGES; do
   if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed"; then
