@@ -233,8 +233,8 @@ def main():
                   for m in json.load(open(args.replay))]
     else:
         candidates = all_mutants()
+        # Run in the drawn order: a run cut short is still a random subsample.
         sample = random.Random(args.seed).sample(candidates, min(args.count, len(candidates)))
-        sample.sort(key=lambda m: (m["file"], m["line"], m["change"]))
     if args.list:
         for m in sample:
             print("%s:%d %s: %s" % (m["file"], m["line"], m["kind"], m["change"]))

@@ -117,29 +117,6 @@ TEST_F(ActorDrawTest, CelChangeSwapsListEntriesAndPixels)
     }
 }
 
-TEST_F(ActorDrawTest, MovesAndVisibilityReachTheShownCel)
-{
-    const GLuint red = texture(RED), green = texture(GREEN);
-    boost::shared_ptr<CActor2D> actor = boost::make_shared<CActor2D>();
-    tActor2DFrameStruct first = cel(100, red, 16), second = cel(100, green, 16);
-    actor->appendFrameStart(first, "a");
-    actor->appendFrame(second);
-    CDrawManager::Instance()->add(actor);
-    actor->update(100);
-    frame();
-    actor->moveTo(tVect2{tFixed(32), tFixed(32)});
-    frame();
-    EXPECT_EQ(pixel(40, 40), GREEN);
-    EXPECT_EQ(pixel(8, 8), BLACK);
-    actor->setVisibility(false);
-    actor->gotoAndPlay(0);
-    frame();
-    EXPECT_EQ(pixel(40, 40), BLACK);
-    actor->setVisibility(true);
-    frame();
-    EXPECT_EQ(pixel(40, 40), RED);
-}
-
 TEST_F(ActorDrawTest, CopiesSharingChunksAdvanceIndependently)
 {
     // Placed copies of one actor share their cels' chunks.
@@ -203,28 +180,6 @@ TEST_F(ActorHeapTest, CelChangesAllocateNothingInTheActor)
     const unsigned long before = AllocationCounter::count();
     flip(actors, 1000);
     EXPECT_EQ(AllocationCounter::count() - before, 0u);
-}
-
-TEST_F(ActorHeapTest, CelChangesKeepTheDrawListsSteady)
-{
-    const GLuint red = texture(RED), green = texture(GREEN);
-    std::vector<boost::shared_ptr<CActor2D> > actors = flippers(cel(1, red, 2), cel(1, green, 2));
-    flip(actors, 11);
-    frame();
-    const size_t listCount = CDrawManager::Instance()->getOpaqueLists().size();
-    const long liveBefore = AllocationCounter::liveBytes();
-    const unsigned long allocationsBefore = AllocationCounter::count();
-    for (int round = 0; round < 100; ++round) {
-        flip(actors, 1000);
-        EXPECT_EQ(entries(red), 0u);
-        EXPECT_EQ(entries(green), 20u);
-        EXPECT_EQ(CDrawManager::Instance()->getOpaqueLists().size(), listCount);
-    }
-    frame();
-    EXPECT_EQ(pixel(1, 1), GREEN);
-    EXPECT_LE(AllocationCounter::liveBytes(), liveBefore) << "the heap grows with cel changes";
-    RecordProperty("AllocationsPerCelChange",
-                   std::to_string((AllocationCounter::count() - allocationsBefore) / (100.0 * 1000 * 20)));
 }
 
 } // namespace

@@ -65,24 +65,6 @@ TEST(ActorManagerTest, RemovingAnEmptyReferenceDropsEmptyEntries)
     EXPECT_EQ(actor->updates, 1);
 }
 
-TEST(ActorManagerTest, OrderAndOwnership)
-{
-    std::vector<int> order;
-    CActorManager manager;
-    boost::weak_ptr<CountingActor> watch;
-    for (int i = 0; i < 3; ++i) {
-        tActor a = boost::make_shared<CountingActor>();
-        a->onUpdate = [&order, i](CountingActor*) { order.push_back(i); };
-        manager.add(a);
-        watch = a;
-    }
-    manager.update(1);
-    EXPECT_EQ(order, (std::vector<int>{0, 1, 2}));
-    EXPECT_FALSE(watch.expired()) << "the manager holds its actors";
-    manager.remove(watch.lock());
-    EXPECT_TRUE(watch.expired());
-}
-
 TEST(ActorManagerTest, RemovingFromInsideUpdateWaitsForTheWalk)
 {
     CActorManager manager;

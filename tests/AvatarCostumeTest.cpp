@@ -106,29 +106,6 @@ TEST_F(AvatarCostumeTest, PiecesAndFallbacks)
     EXPECT_EQ(costume.getAvatarTexturePiece("head", "round").lodSize, 128) << "an unloaded LOD maps like a request";
 }
 
-TEST_F(AvatarCostumeTest, BrokenFilesLoadWhatTheyCan)
-{
-    const struct { const char* name; const char* text; } cases[] = {
-        {"empty", ""},
-        {"not json", "<costume/>"},
-        {"array root", "[1, 2, 3]"},
-        {"wrong types", "{\"LODList\": {\"Size\": \"big\"}, \"AudioList\": 7}"},
-        {"lod without texture", "{\"LODList\": [{\"Size\": 16, \"ComponentList\": [{\"Name\": 3}]}]}"},
-        {"variation keys mistyped", "{\"LODList\": [{\"Size\": 16, \"TextureURI\": \"lod32.png\", \"ComponentList\": "
-                                    "[{\"Name\": \"a\", \"Variations\": [{\"Name\": [], \"RectLeft\": \"x\"}]}]}]}"},
-    };
-    for (const auto& c : cases) {
-        AssertCapture asserts;
-        DebugCapture debug;
-        const std::string path = dir + "/broken.json";
-        writeFile(path, c.text);
-        AvatarCostume costume;
-        costume.addFromJson(path, nullptr, 0);
-        costume.getAvatarTexturePiece("a", "b");
-        costume.debugDump();
-    }
-}
-
 TEST_F(AvatarCostumeTest, MissingDatasetIsReported)
 {
     AssertCapture asserts;

@@ -104,22 +104,4 @@ TEST_F(AvatarPieceTest, UnknownComponentShowsNothing)
     EXPECT_EQ(piece->getCostume(), nullptr) << "a costume going away lets go of its pieces";
 }
 
-TEST_F(AvatarPieceTest, QuadTableAtHalfRegistration)
-{
-    boost::shared_ptr<Avatar2DPiece> piece(new Avatar2DPiece());
-    piece->setPiece("body", "plain");
-    piece->setCostume(costume.get());
-    costume->setLOD(64);
-    ASSERT_EQ(piece->getChunks().size(), 1u);
-    CTexturedChunk* chunk = static_cast<CTexturedChunk*>(piece->getChunks()[0].get());
-    const tFixed h = tFixed(50);
-    const tVect3 corners[4] = {{-h, h, ZERO_X}, {h, h, ZERO_X}, {-h, -h, ZERO_X}, {h, -h, ZERO_X}};
-    const tVect2 st[4] = {{ZERO_X, ZERO_X}, {ONE_X, ZERO_X}, {ZERO_X, ONE_X}, {ONE_X, ONE_X}};
-    for (int i = 0; i < 4; ++i) {
-        EXPECT_EQ(chunk->getVertices()[i], corners[i]) << i;
-        EXPECT_EQ(chunk->getTexCoords()[i], st[i]) << i;
-    }
-    EXPECT_EQ(chunk->getIndices(), (std::vector<uint16_t>{0, 1, 2, 2, 1, 3}));
-}
-
 } // namespace

@@ -43,13 +43,6 @@ TEST_F(BillboardTest, VerticesAndTextureCoordinates)
          },
          {{F(16), F(32)}, {F(48), F(32)}, {F(16), F(16)}, {F(48), F(16)}},
          {{raw(0x4000), F(0)}, {raw(0xC000), F(0)}, {raw(0x4000), raw(0x8000)}, {raw(0xC000), raw(0x8000)}}},
-        {"the tVect2 form forwards",
-         [&](CBillboard& b) {
-             b.setTexture(wide);
-             b.setTextureCoords(tVect2{F(16), F(0)}, tVect2{F(48), F(16)});
-         },
-         {{F(16), F(32)}, {F(48), F(32)}, {F(16), F(16)}, {F(48), F(16)}},
-         {{raw(0x4000), F(0)}, {raw(0xC000), F(0)}, {raw(0x4000), raw(0x8000)}, {raw(0xC000), raw(0x8000)}}},
         {"a third of a pixel is truncated",
          [&](CBillboard& b) {
              b.setTexture(makeTexture(3, 3, kPixelFormatRGB888, [](int, int) { return RED; }));
@@ -161,19 +154,6 @@ TEST_F(BillboardTest, ChangesAreCopyOnWrite)
     copy->setTexCoords(F(0), F(0), F(1), F(1));
     EXPECT_EQ(handed->getVertices(), handedVertices);
     EXPECT_EQ(copy->getChunks()[0]->getVertices(), handedVertices);
-}
-
-TEST_F(BillboardTest, ClearTextureUnregisters)
-{
-    boost::shared_ptr<CBillboard> b = boost::make_shared<CBillboard>();
-    b->setTexture(solidTexture(RED));
-    CDrawManager::Instance()->add(b);
-    frame();
-    EXPECT_EQ(pixel(2, 2), RED);
-    b->clearTexture();
-    EXPECT_FALSE(b->isDrawManaged());
-    frame();
-    EXPECT_EQ(pixel(2, 2), BLACK);
 }
 
 TEST_F(BillboardTest, ImmediateDrawNeedsVisibilityAndSize)

@@ -30,27 +30,6 @@ protected:
     std::unique_ptr<tDemoScene> scene;
 };
 
-TEST_F(DemoSceneTest, LoadsWithoutComplaint)
-{
-    // A fresh scene, built under the captures.
-    scene.reset();
-    AssertCapture asserts;
-    DebugCapture debug;
-    scene.reset(new tDemoScene);
-    buildDemoScene(*scene, examplesPath("demo/"));
-    EXPECT_TRUE(asserts.messages().empty()) << asserts.messages().front();
-    for (const auto& e : debug.entries())
-        EXPECT_EQ(e.text.find("ID number is wrong"), std::string::npos) << e.text;
-    EXPECT_EQ(scene->elements.size(), 10u);
-    for (size_t i = 0; i < scene->elements.size(); ++i)
-        EXPECT_TRUE(scene->elements[i]) << "entry " << i;
-    EXPECT_EQ(scene->loader.getActors().size(), 2u);
-    EXPECT_NE(scene->elements[7], scene->elements[8]) << "each placement of the critter is its own actor";
-    EXPECT_EQ(scene->hero->getCelCount(), 6u);
-    EXPECT_EQ(scene->kid->getCelCount(), 2u);
-    EXPECT_EQ(scene->costume.getLODs().size(), 3u);
-}
-
 TEST_F(DemoSceneTest, FramesMatchTheGoldenImages)
 {
     // Frames 33 ms apart: the hero walks to the right, the critters land and

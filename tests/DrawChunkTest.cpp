@@ -41,25 +41,6 @@ TEST(DrawChunk, TranslucencyFollowsTheTextureFormat)
         EXPECT_EQ(CTexturedChunk::isTranslucentFormat(f.format), f.translucent) << std::hex << f.format;
 }
 
-TEST(DrawChunk, SetTextureTakesTheIdAndLeavesItsList)
-{
-    boost::shared_ptr<CTexture> texture = formatOnlyTexture(PAL_NONE, kPixelFormatRGB888);
-    texture->glTextureId = 42;
-    boost::shared_ptr<CTexturedChunk> chunk = quad(boost::shared_ptr<CTexture>(), 8, 8);
-    boost::shared_ptr<CDrawList> list(new CTexturedDrawList());
-    chunk->setDrawList(list);
-    chunk->setTexture(texture);
-    EXPECT_EQ(chunk->getTextureId(), 42u);
-    EXPECT_EQ(chunk->getTexture(), texture);
-    EXPECT_TRUE(chunk->getDrawList().expired());
-
-    CTexturedChunk copy(*chunk);
-    EXPECT_EQ(copy.getTextureId(), 42u);
-    EXPECT_EQ(copy.getTexture(), texture);
-    EXPECT_EQ(copy.getIndices(), chunk->getIndices());
-    EXPECT_EQ(copy.getTexCoords().size(), 4u);
-}
-
 TEST(DrawChunk, MergeRules)
 {
     boost::shared_ptr<CTexture> opaque = formatOnlyTexture(PAL_NONE, kPixelFormatRGB888);
@@ -100,22 +81,6 @@ TEST(DrawChunk, NeverMergesPastSixteenBitCounts)
     big->merge(element(), other);
     EXPECT_EQ(big->getVertices().size(), 40000u) << "refused, unchanged";
     EXPECT_TRUE(asserts.has("CTexturedChunk::merge merged chunk would exceed 65535 vertices or indices"));
-}
-
-TEST(DrawChunk, TransformedChunkIsMovedByThePosition)
-{
-    boost::shared_ptr<CTexturedChunk> chunk = quad(formatOnlyTexture(PAL_NONE, kPixelFormatRGB888), 4, 2);
-    boost::shared_ptr<Element> e = element(10, 20);
-    boost::shared_ptr<CTexturedChunk> moved =
-        boost::dynamic_pointer_cast<CTexturedChunk>(chunk->createTransformedChunk(e));
-    ASSERT_TRUE(moved);
-    ASSERT_EQ(moved->getVertices().size(), 4u);
-    for (size_t i = 0; i < 4; ++i) {
-        EXPECT_EQ(moved->getVertices()[i], chunk->getVertices()[i] + (tVect3{tFixed(10), tFixed(20), ZERO_X})) << i;
-        EXPECT_EQ(moved->getTexCoords()[i], chunk->getTexCoords()[i]);
-    }
-    EXPECT_EQ(chunk->getVertices()[1], (tVect3{tFixed(4), tFixed(2), ZERO_X})) << "the source is unchanged";
-    EXPECT_EQ(moved->getTextureId(), chunk->getTextureId());
 }
 
 TEST(DrawChunk, MergedChunkAppendsRenumberedGeometry)

@@ -96,35 +96,6 @@ TEST_F(DrawListTest, ChunkWithoutTextureIsReported)
     EXPECT_EQ(asserts.entries()[0].file, "Zephrin2D/Src/CTexturedDrawList");
 }
 
-TEST_F(DrawListTest, StaticFrameUploadsNothingAndDrawsOncePerOpaqueList)
-{
-    std::vector<boost::shared_ptr<Element> > elements;
-    for (int t = 0; t < 3; ++t) {
-        boost::shared_ptr<CTexture> texture = solidTexture(tColor{uint8_t(80 * t), 255, 0, 255});
-        for (int i = 0; i < 10; ++i) {
-            elements.push_back(quadElement(texture, i * 6, t * 10, Z(i % 3)));
-            manager()->add(elements.back());
-        }
-    }
-    frame();
-    const unsigned long before = AllocationCounter::count();
-    frame();
-    EXPECT_EQ(AllocationCounter::count() - before, 0u);
-    GLRecorder::start();
-    frame();
-    GLRecorder::stop();
-    EXPECT_EQ(GLRecorder::count("glBufferData"), 0u);
-    EXPECT_EQ(GLRecorder::count("glBufferSubData"), 0u);
-    std::vector<GLRecorder::tCall> draws = GLRecorder::callsNamed("glDrawElements");
-    ASSERT_EQ(draws.size(), 3u);
-    for (const GLRecorder::tCall& d : draws) {
-        EXPECT_EQ(d.args[0], GL_TRIANGLES);
-        EXPECT_EQ(d.args[1], 60);
-        EXPECT_EQ(d.args[2], GL_UNSIGNED_SHORT);
-    }
-    EXPECT_EQ(pixel(55, 25), (tColor{160, 255, 0, 255}));
-}
-
 TEST_F(DrawListTest, MovingOneOfAHundredUploadsOnlyItsPositions)
 {
     boost::shared_ptr<CTexture> texture = solidTexture(RED);
@@ -155,31 +126,6 @@ TEST_F(DrawListTest, MovingOneOfAHundredUploadsOnlyItsPositions)
         elements[i * 7]->moveBy(tVect2{ONE_X, ZERO_X});
     frame();
     EXPECT_EQ(AllocationCounter::count() - before, 0u) << "moving frames allocate nothing";
-}
-
-TEST_F(DrawListTest, ListWithAllElementsHiddenDrawsNothing)
-{
-    boost::shared_ptr<CTexture> texture = solidTexture(RED);
-    boost::shared_ptr<Element> a = quadElement(texture, 0, 0, Z(0));
-    boost::shared_ptr<Element> b = quadElement(texture, 20, 0, Z(0));
-    manager()->add(a);
-    manager()->add(b);
-    frame();
-    a->setVisibility(false);
-    b->setVisibility(false);
-    GLRecorder::start();
-    frame();
-    EXPECT_EQ(GLRecorder::count("glDrawElements"), 0u);
-    EXPECT_EQ(pixel(2, 2), BLACK);
-    GLRecorder::clear();
-    b->setVisibility(true);
-    frame();
-    GLRecorder::stop();
-    std::vector<GLRecorder::tCall> draws = GLRecorder::callsNamed("glDrawElements");
-    ASSERT_EQ(draws.size(), 1u);
-    EXPECT_EQ(draws[0].args[1], 6);
-    EXPECT_EQ(pixel(22, 2), RED);
-    EXPECT_EQ(pixel(2, 2), BLACK);
 }
 
 TEST_F(DrawListTest, RemovalClosesTheGapInsideTheBuffers)
@@ -279,25 +225,6 @@ TEST_F(DrawListTest, ChunksPastSixteenBitCountsGoToAnotherList)
         EXPECT_TRUE(asserts.entries().empty());
         manager()->deleteAll();
     }
-}
-
-TEST_F(DrawListTest, SplitListsBothDraw)
-{
-    boost::shared_ptr<CTexture> texture = solidTexture(RED);
-    std::vector<boost::shared_ptr<Element> > elements;
-    const int quads = 10923;  // one more than a list takes
-    for (int i = 0; i < quads; ++i) {
-        const int at = i == quads - 1 ? 40 : 0;
-        elements.push_back(quadElement(texture, at, at, Z(0), 4, 4));
-        manager()->add(elements.back());
-    }
-    ASSERT_EQ(manager()->getOpaqueLists().size(), 2u);
-    GLRecorder::start();
-    frame();
-    GLRecorder::stop();
-    EXPECT_EQ(GLRecorder::count("glDrawElements"), 2u);
-    EXPECT_EQ(pixel(41, 41), RED);
-    EXPECT_EQ(pixel(1, 1), RED);
 }
 
 TEST_F(DrawListTest, ChunkChangedInPlaceCannotOverrunTheBuffers)

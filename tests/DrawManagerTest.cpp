@@ -39,18 +39,6 @@ protected:
     }
 };
 
-TEST_F(DrawManagerTest, WithoutListsOnlyBlendingIsToggled)
-{
-    GLRecorder::start();
-    manager()->drawAll();
-    GLRecorder::stop();
-    ASSERT_EQ(GLRecorder::calls().size(), 2u);
-    EXPECT_EQ(GLRecorder::calls()[0].name, "glDisable");
-    EXPECT_EQ(GLRecorder::calls()[0].args[0], GL_BLEND);
-    EXPECT_EQ(GLRecorder::calls()[1].name, "glEnable");
-    EXPECT_EQ(GLRecorder::calls()[1].args[0], GL_BLEND);
-}
-
 TEST_F(DrawManagerTest, RoutesPairsByTextureAndTranslucency)
 {
     boost::shared_ptr<CTexture> red = solidTexture(RED);

@@ -32,14 +32,6 @@ TEST(Fixed, ArithmeticWrapsAndRoundsTowardMinusInfinity)
     EXPECT_TRUE(MINUS_ONE_X < ZERO_X);
 }
 
-TEST(Fixed, SineTableIsRoundedQuarterDegrees)
-{
-    for (int i = 0; i < 360; ++i) {
-        const long want = std::lround(std::sin(i * 0.25 * M_PI / 180.0) * 65536.0);
-        EXPECT_EQ(sin_table[i], want) << "entry " << i;
-    }
-}
-
 TEST(Fixed, SineSpecialCasesAndFolding)
 {
     struct { const char* what; tFixed angle; int32_t want; } cases[] = {

@@ -37,25 +37,6 @@ TEST(GraphicElement, AlphaByTruncatesToEightBits)
     }
 }
 
-TEST(GraphicElement, MovesKeepOrChangeDepth)
-{
-    struct {
-        const char* name;
-        std::function<void(CGraphicElement&)> op;
-        tVect3 expected;
-    } cases[] = {
-        {"moveTo 2D keeps z", [](CGraphicElement& e) { e.moveTo(tVect2{X(7), X(8)}); }, {X(7), X(8), X(3)}},
-        {"moveBy 3D changes z", [](CGraphicElement& e) { e.moveBy(tVect3{X(1), X(1), X(-4)}); },
-         {X(2), X(3), X(-1)}},
-    };
-    for (const auto& c : cases) {
-        PlainElement e;
-        e.moveTo(tVect3{X(1), X(2), X(3)});
-        c.op(e);
-        EXPECT_EQ(e.getPos(), c.expected) << c.name;
-    }
-}
-
 TEST(GraphicElement, MatrixFollowsTheTransform)
 {
     struct {
@@ -94,23 +75,6 @@ protected:
         return e;
     }
 };
-
-TEST_F(GraphicElementManagedTest, CopySharesChunksAndStartsUnmanaged)
-{
-    boost::shared_ptr<PlainElement> source = managedElement();
-    source->moveTo(tVect3{X(1), X(2), X(3)});
-    source->setColor(tColor{1, 2, 3, 4});
-    ASSERT_TRUE(source->isDrawManaged());
-    PlainElement copy(*source);
-    EXPECT_FALSE(copy.isDrawManaged());
-    ASSERT_EQ(copy.getChunks().size(), 2u);
-    EXPECT_EQ(copy.getChunks()[0].get(), source->getChunks()[0].get());
-    EXPECT_EQ(copy.getChunks()[1].get(), source->getChunks()[1].get());
-    EXPECT_EQ(copy.getPos(), source->getPos());
-    EXPECT_EQ(copy.getColor(), source->getColor());
-    EXPECT_TRUE(registeredChunks(&copy).empty());
-    EXPECT_EQ(registeredChunks(source.get()).size(), 2u);
-}
 
 TEST_F(GraphicElementManagedTest, AssignmentWithdrawsTheTargetsChunks)
 {

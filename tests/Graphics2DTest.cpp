@@ -40,23 +40,6 @@ TEST_F(Graphics2DTest, ClearColourIsShiftedNotScaled)
     EXPECT_EQ(pixel(10, 10), (tColor{254, 0, 128, 254})) << "0x8000 is exactly 0.5";
 }
 
-TEST_F(Graphics2DTest, PointLandsOnPixelCountedFromBottom)
-{
-    glDisable(GL_TEXTURE_2D);
-    glDisableClientState(GL_TEXTURE_COORD_ARRAY);
-    const GLfixed point[3] = {(5 << 16) + 0x8000, (7 << 16) + 0x8000, 0};
-    glVertexPointer(3, GL_FIXED, 0, point);
-    glColor4ub(0, 255, 0, 255);
-    glDrawArrays(GL_POINTS, 0, 1);
-    EXPECT_EQ(pixel(5, 7), (tColor{0, 255, 0, 255}));
-    EXPECT_NE(pixel(5, 8), (tColor{0, 255, 0, 255}));
-    ImageIO::tImage frame = readFrame();
-    const uint8_t* p = frame.at(5, frame.height - 1 - 7);
-    EXPECT_EQ(p[1], 255) << "read-back rows are top first";
-    glEnableClientState(GL_TEXTURE_COORD_ARRAY);
-    glEnable(GL_TEXTURE_2D);
-}
-
 TEST_F(Graphics2DTest, SecondInitChangesNothing)
 {
     AssertCapture asserts;
@@ -66,16 +49,6 @@ TEST_F(Graphics2DTest, SecondInitChangesNothing)
     EXPECT_EQ(CGraphics2D::Instance()->getConfig(), first);
     EXPECT_FALSE(glIsEnabled(GL_BLEND));
     EXPECT_TRUE(asserts.entries().empty()) << "the init assertion must not fire";
-}
-
-TEST_F(Graphics2DTest, SwapKeepsTheFrameReadable)
-{
-    CGraphics2D::Instance()->clearBuffer();
-    EXPECT_TRUE(CGraphics2D::Instance()->swapBuffer());
-    ImageIO::tImage frame = readFrame();
-    ASSERT_EQ(frame.width, 64);
-    ASSERT_EQ(frame.height, 48);
-    EXPECT_EQ(frame.at(0, 0)[0], 254);
 }
 
 TEST(Graphics2DLifecycle, CleanupGivesAFreshContext)

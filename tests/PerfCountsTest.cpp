@@ -1,7 +1,4 @@
-// The benchmark scenes under test: what a frame costs in GL calls and
-// uploads, that the batched and the immediate ways draw the same picture,
-// and that actors change cel without touching the heap.
-#include "AllocationCounter.h"
+// The benchmark scenes under test: what a frame costs in GL calls and uploads.
 #include "GLRecorder.h"
 #include "PeerScenes.h"
 #include "PeerZephrin.h"
@@ -64,60 +61,5 @@ INSTANTIATE_TEST_SUITE_P(Scenes, PerfCountsTest,
                          [](const ::testing::TestParamInfo<tCountCase>& info) {
                              return std::string("Scene_") + info.param.scene;
                          });
-
-class PerfPictureTest : public ::testing::TestWithParam<char>
-{
-};
-
-TEST_P(PerfPictureTest, BatchedAndImmediateDrawTheSamePicture)
-{
-    const tScene s = makeScene(GetParam(), true);
-    std::vector<uint8_t> pictures[2];
-    for (int managed = 0; managed < 2; ++managed) {
-        ZephrinScene scene(s, managed != 0);
-        scene.update(0);
-        scene.draw();
-        scene.finish();
-        pictures[managed] = scene.pixels();
-    }
-    ASSERT_EQ(pictures[0].size(), static_cast<size_t>(s.width * s.height * 4));
-    ASSERT_EQ(pictures[0].size(), pictures[1].size());
-    long over = 0;
-    long lit = 0;
-    for (size_t p = 0; p < pictures[0].size(); p += 4) {
-        int diff = 0;
-        for (int ch = 0; ch < 3; ++ch)
-            diff = std::max(diff, std::abs(pictures[0][p + ch] - pictures[1][p + ch]));
-        over += diff > 3;
-        lit += pictures[1][p] + pictures[1][p + 1] + pictures[1][p + 2] > 0;
-    }
-    EXPECT_GT(lit, s.width * s.height / 2) << "the scene covers the surface";
-    EXPECT_LE(over, s.width * s.height / 100) << "pixels differing by more than 3";
-}
-
-// (a) opaque over random depths (depth test), (d) translucent over 50 depths (back to front).
-INSTANTIATE_TEST_SUITE_P(Scenes, PerfPictureTest, ::testing::Values('a', 'd'),
-                         [](const ::testing::TestParamInfo<char>& info) {
-                             return std::string("Scene_") + info.param;
-                         });
-
-TEST(PerfActorTest, CelChangesAllocateNothingInTheSteadyState)
-{
-    ZephrinScene scene(makeScene('e'), true);
-    int frame = 0;
-    // Every actor goes once round its cels: the lists reach their sizes.
-    for (; frame < 8; ++frame) {
-        scene.update(frame);
-        scene.draw();
-        scene.finish();
-    }
-    const unsigned long before = AllocationCounter::count();
-    for (int n = 0; n < 8; ++n, ++frame) {
-        scene.update(frame);
-        scene.draw();
-    }
-    EXPECT_EQ(AllocationCounter::count() - before, 0u) << "operator new calls over 8 frames of 500 cel changes";
-    scene.finish();
-}
 
 } // namespace

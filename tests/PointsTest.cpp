@@ -47,38 +47,6 @@ TEST_F(PointsTest, PointsStartAtTheOriginWithTheTexture)
     EXPECT_EQ(chunkOf(cloud)->getDrawnPointSize(), tFixed(6));
 }
 
-TEST_F(PointsTest, ResizingKeepsThePointsThatStay)
-{
-    CGraphicPoints cloud;
-    EXPECT_EQ(cloud.getNumberVertices(), 0);
-    cloud.setNumberVertices(3);
-    cloud.setVertexN(1, P(4, 5, 1));
-    cloud.moveVertexNBy(2, tVect3{ONE_X, ZERO_X, ZERO_X});
-    cloud.moveVertexNBy(2, tVect3{ONE_X, ZERO_X, ZERO_X});
-    EXPECT_EQ(cloud.getVertexN(2), P(2, 0));
-    cloud.setNumberVertices(5);
-    const tVect3 expected[5] = {P(0, 0), P(4, 5, 1), P(2, 0), P(0, 0), P(0, 0)};
-    for (unsigned short i = 0; i < 5; ++i)
-        EXPECT_EQ(cloud.getVertexN(i), expected[i]) << i;
-    cloud.setNumberVertices(1);
-    EXPECT_EQ(cloud.getNumberVertices(), 1);
-}
-
-TEST_F(PointsTest, CopiesHaveTheirOwnPoints)
-{
-    CGraphicPoints cloud;
-    cloud.setNumberVertices(2);
-    cloud.setVertexN(0, P(1, 2));
-    CGraphicPoints copy(cloud);
-    CGraphicPoints assigned;
-    assigned = cloud;
-    copy.setVertexN(0, P(5, 5));
-    assigned.setVertexN(0, P(6, 6));
-    EXPECT_EQ(cloud.getVertexN(0), P(1, 2));
-    EXPECT_EQ(copy.getVertexN(0), P(5, 5));
-    EXPECT_EQ(assigned.getNumberVertices(), 2);
-}
-
 TEST_F(PointsTest, BadInputIsReported)
 {
     AssertCapture asserts;

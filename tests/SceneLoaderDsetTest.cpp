@@ -186,29 +186,4 @@ TEST_F(SceneLoaderDsetTest, BrokenDatasetsAreRefused)
     }
 }
 
-TEST_F(SceneLoaderDsetTest, CostumesLoadTheSameFromJsonAndDataset)
-{
-    const std::string json = R"({"AudioList": [{"Name": "hi", "URI": "hi.wav"}], "LODList": [
-        {"Size": 32, "TextureURI": "ball_pal4.png", "ComponentList": [{"Name": "head", "Variations": [
-            {"Name": "a", "RectLeft": 0, "RectTop": 0, "RectRight": 16, "RectBottom": 16, "RegPointX": 8.5, "RegPointY": 8},
-            {"Name": "b", "RectLeft": 16, "RectTop": 0, "RectRight": 32, "RectBottom": 16, "RegPointX": 0, "RegPointY": 0}]}]},
-        {"Size": 64, "TextureURI": "tree_pal8.png", "ComponentList": []}]})";
-    const std::string base = compile("costume", json);
-    AvatarCostume a, b;
-    a.addFromJson(base + ".json", 0, 0);
-    b.addFromFile(base + ".dsetBin", 0, 0);
-    ASSERT_EQ(a.getLODs().size(), 2u);
-    ASSERT_EQ(b.getLODs().size(), 2u);
-    for (size_t i = 0; i < 2; ++i) {
-        EXPECT_EQ(a.getLODs()[i].size, b.getLODs()[i].size);
-        EXPECT_EQ(a.getLODs()[i].texture, b.getLODs()[i].texture);
-        EXPECT_EQ(a.getLODs()[i].componentOrder, b.getLODs()[i].componentOrder);
-    }
-    EXPECT_EQ(a.getAudio(), b.getAudio());
-    const tAvatarTexturePiece pa = a.getAvatarTexturePiece("head", "a");
-    const tAvatarTexturePiece pb = b.getAvatarTexturePiece("head", "a");
-    EXPECT_EQ(pa.variation.regX, pb.variation.regX);
-    EXPECT_EQ(pa.variation.right, pb.variation.right);
-}
-
 } // namespace

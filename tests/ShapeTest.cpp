@@ -29,16 +29,6 @@ tRaw px(int x, int y) { return tRaw(x * 65536, y * 65536); }
 
 tVect2 v2(int x, int y) { return tVect2{tFixed(x), tFixed(y)}; }
 
-TEST(ShapeGeometry, CircleStartsAtTheTopAndTurnsCounterClockwise)
-{
-    CGraphicCircle circle;
-    circle.setSides(4);
-    circle.setRadius(tFixed(10));
-    EXPECT_EQ(rawVertices(circle),
-              (std::vector<tRaw>{px(0, 0), px(0, 10), px(-10, 0), px(0, -10), px(10, 0), px(0, 10)}));
-    EXPECT_EQ(circle.getRadius(), tFixed(10));
-}
-
 TEST(ShapeGeometry, CircleHalvesMirrorEachOther)
 {
     const int32_t r = 50 << 16;
@@ -116,33 +106,6 @@ TEST(ShapeChecks, OutOfRangeIndexIsReportedAndHarmless)
         EXPECT_EQ(rect.getColorN(i), kGrey);
 }
 
-TEST(ShapeChecks, RadiusWithoutSidesWritesNothing)
-{
-    CGraphicCircle circle;
-    circle.setVertexArray(0, nullptr);
-    AssertCapture asserts;
-    circle.setRadius(tFixed(10));
-    const std::string m = "CGraphicShape::setVertexN vertexIndex out of bounds";
-    EXPECT_EQ(asserts.messages(), (std::vector<std::string>{m, m, m})) << "vertices 0, 1 and n - 1 = -1";
-    EXPECT_EQ(circle.getRadius(), tFixed(10));
-}
-
-TEST(ShapeChecks, OuterColourSparesTheCentre)
-{
-    for (int count : {0, 1, 8}) {
-        CGraphicCircle circle;
-        circle.setVertexArray(count, nullptr);
-        circle.setColorArray(nullptr);
-        AssertCapture asserts;
-        if (count)
-            circle.setColorN(0, BLUE);
-        circle.setOuterColor(RED);
-        EXPECT_TRUE(asserts.entries().empty()) << count;
-        for (int i = 0; i < count; ++i)
-            EXPECT_EQ(circle.getColorN(i), i ? RED : BLUE) << count;
-    }
-}
-
 // A missing array stops the program after the report, so these run in a child process.
 TEST(ShapeDeathTest, MissingArrayStopsAfterTheReport)
 {
@@ -211,18 +174,6 @@ protected:
         return c;
     }
 };
-
-TEST_F(ShapeDrawTest, DrawLeavesTheTexturedStateOn)
-{
-    for (const tShape& shape : {point(), line(), rectangle(true), circle(true)}) {
-        shape->draw(nullptr);
-        EXPECT_TRUE(glIsEnabled(GL_TEXTURE_2D));
-        EXPECT_TRUE(glIsEnabled(GL_TEXTURE_COORD_ARRAY));
-        EXPECT_FALSE(glIsEnabled(GL_COLOR_ARRAY));
-        EXPECT_TRUE(glIsEnabled(GL_VERTEX_ARRAY));
-        EXPECT_FALSE(gl_checkError());
-    }
-}
 
 TEST_F(ShapeDrawTest, CallOrderOfADraw)
 {

@@ -64,22 +64,6 @@ TEST_F(SpriteTest, AttachMergesWhatCanMergeInAttachOrder)
     }
 }
 
-TEST_F(SpriteTest, AttachBakesTheChildTransformAndKeepsTheChildAlone)
-{
-    boost::shared_ptr<CSprite> sprite = boost::make_shared<CSprite>();
-    boost::shared_ptr<Piece> a = piece({1}, 10);
-    boost::shared_ptr<Piece> b = piece({1}, 30);
-    sprite->attach(a);
-    sprite->attach(b);
-    ASSERT_EQ(sprite->getChunks().size(), 1u);
-    const std::vector<tVect3>& v = sprite->getChunks()[0]->getVertices();
-    ASSERT_EQ(v.size(), 2u);
-    EXPECT_EQ(v[0].x, tFixed(10));
-    EXPECT_EQ(v[1].x, tFixed(30));
-    EXPECT_EQ(a->getChunks()[0]->getVertices()[0].x, ZERO_X) << "the child's chunk is not changed";
-    EXPECT_NE(sprite->getChunks()[0], a->getChunks()[0]);
-}
-
 TEST_F(SpriteTest, AttachWhileRegisteredSwapsChunksInTheLists)
 {
     boost::shared_ptr<CSprite> sprite = boost::make_shared<CSprite>();

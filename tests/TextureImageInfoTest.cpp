@@ -16,16 +16,6 @@ tImageInfo info(int pal, int format, uint32_t w, uint32_t h)
     return tImageInfo{static_cast<tPalType>(pal), static_cast<kPixelFormat>(format), w, h};
 }
 
-TEST(TextureImageInfo, IsPowerOf2)
-{
-    struct { unsigned long n; bool expected; } cases[] = {
-        {0, false}, {1, true}, {2, true}, {3, false}, {6, false}, {64, true}, {100, false}, {0x80000000ul, true},
-        {0x80000001ul, false},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(tImageInfo::IsPowerOf2(c.n), c.expected) << c.n;
-}
-
 TEST(TextureImageInfo, SizesAndFormats)
 {
     struct {

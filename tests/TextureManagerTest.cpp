@@ -60,15 +60,6 @@ TEST_F(TextureManagerTest, NothingLoadedGivesEmptyAndNoEntry)
     EXPECT_EQ(m->getEntryCount(), 0u);
 }
 
-TEST_F(TextureManagerTest, PathsAreKeysAsSpelt)
-{
-    boost::shared_ptr<CTexture> a = loadRAM(png("rgb.png"));
-    boost::shared_ptr<CTexture> b = loadRAM(testDataPath("png/./rgb.png"));
-    ASSERT_TRUE(a && b);
-    EXPECT_NE(a, b);
-    EXPECT_EQ(CTextureManager::Instance()->getEntryCount(), 2u);
-}
-
 TEST_F(TextureManagerTest, MissingFileIsCachedUnderItsOwnPath)
 {
     const std::string dir = scratchDir("texture-manager-placeholder");
@@ -96,24 +87,6 @@ TEST_F(TextureManagerTest, Unload)
     EXPECT_FALSE(m->unload(png("rgb.png"))) << "expired";
     EXPECT_EQ(m->getEntryCount(), 1u) << "unload leaves an expired entry alone";
     EXPECT_FALSE(m->unload(png("never-loaded.png")));
-}
-
-TEST_F(TextureManagerTest, DeleteAllAndDestroyOnlyForget)
-{
-    boost::shared_ptr<CTexture> a = loadRAM(png("rgb.png"));
-    boost::shared_ptr<CTexture> b = loadRAM(png("pal8.png"));
-    CTextureManager::Instance()->deleteAll();
-    EXPECT_EQ(CTextureManager::Instance()->getEntryCount(), 0u);
-    EXPECT_TRUE(a->inRAM);
-
-    boost::shared_ptr<CTexture> c = loadRAM(png("rgb.png"));
-    EXPECT_NE(c, a);
-    CTextureManager::Destroy();
-    CTextureManager* fresh = CTextureManager::Instance();
-    EXPECT_EQ(fresh->getEntryCount(), 0u);
-    EXPECT_FALSE(fresh->get(png("rgb.png")));
-    EXPECT_TRUE(c->inRAM);
-    EXPECT_EQ(c->imageInfo.width, 8u);
 }
 
 class TextureManagerGLTest : public GLTest

@@ -110,29 +110,6 @@ TEST(TexturePNG, LoadsEachSupportedKind)
     }
 }
 
-TEST(TexturePNG, DemoArtLoads)
-{
-    struct { const char* file; tPalType pal; kPixelFormat format; uint32_t size; } cases[] = {
-        {"ball_pal4.png", PAL_PALETTE4, kPixelFormatRGB565, 32},
-        {"star_pal4_trns.png", PAL_PALETTE4, kPixelFormatRGBA4444, 64},
-        {"tree_pal8.png", PAL_PALETTE8, kPixelFormatRGB565, 64},
-        {"ghost_pal8_trns.png", PAL_PALETTE8, kPixelFormatRGBA4444, 64},
-        {"bricks_rgb.png", PAL_NONE, kPixelFormatRGB888, 128},
-        {"glow_rgba.png", PAL_NONE, kPixelFormatRGBA8888, 64},
-        {"sheet.png", PAL_NONE, kPixelFormatRGBA8888, 128},
-    };
-    for (const auto& c : cases) {
-        AssertCapture asserts;
-        CTexturePNG t(examplesPath(std::string("art/") + c.file), false, true, false);
-        ASSERT_TRUE(t.inRAM) << c.file;
-        EXPECT_EQ(t.imageInfo.palType, c.pal) << c.file;
-        EXPECT_EQ(t.imageInfo.pixelFormat, c.format) << c.file;
-        EXPECT_EQ(t.imageInfo.width, c.size) << c.file;
-        EXPECT_EQ(t.imageInfo.height, c.size) << c.file;
-        EXPECT_TRUE(asserts.entries().empty()) << c.file;
-    }
-}
-
 TEST(TexturePNG, RefusedFilesLeaveNoImage)
 {
     struct { const char* file; std::vector<std::string> messages; } cases[] = {
@@ -250,17 +227,6 @@ TEST(TexturePNG, MissingFileLoadsThePlaceholder)
 class TexturePNGGLTest : public GLTest
 {
 };
-
-TEST_F(TexturePNGGLTest, ConstructorFlags)
-{
-    struct { bool create, keep; } cases[] = {{true, true}, {true, false}, {false, true}, {false, false}};
-    for (const auto& c : cases) {
-        CTexturePNG t(png("pal4_trns3.png"), c.create, c.keep, false);
-        EXPECT_EQ(t.glTextureId != 0, c.create) << c.create << c.keep;
-        EXPECT_EQ(t.inRAM, c.keep) << c.create << c.keep;
-        EXPECT_EQ(t.imageInfo.palType, PAL_PALETTE4) << "the description stays after the RAM image goes";
-    }
-}
 
 TEST_F(TexturePNGGLTest, TransparentEntriesAreNotDrawn)
 {

@@ -53,16 +53,6 @@ TEST_F(TextureSheetTest, PicturesOfOneBitmapShareItsTexture)
     EXPECT_EQ(CTextureManager::Instance()->get(mDir + "/a.png"), hero.texture);
 }
 
-TEST_F(TextureSheetTest, SheetKeepsItsBitmapsAlive)
-{
-    writeFile(mDir + "/a.json", kTwoPictures);
-    {
-        CTextureSheet sheet(mDir + "/a.json");
-        EXPECT_TRUE(CTextureManager::Instance()->get(mDir + "/a.png"));
-    }
-    EXPECT_FALSE(CTextureManager::Instance()->get(mDir + "/a.png"));
-}
-
 TEST_F(TextureSheetTest, LaterDescriptionReplacesPicturesOfTheSameName)
 {
     writeFile(mDir + "/a.json", kTwoPictures);
@@ -133,17 +123,6 @@ TEST_F(TextureSheetTest, IncompleteDescriptionsLoadWhatTheyCan)
     }
     CTextureSheet missing(mDir + "/no-such-sheet.json");
     EXPECT_EQ(missing.getElementCount(), 0u);
-}
-
-TEST_F(TextureSheetTest, DemoSheet)
-{
-    CTextureSheet sheet(examplesPath("art/sheet.json"));
-    EXPECT_EQ(sheet.getElementCount(), 4u);
-    const tTextureSheetElement hero = sheet.getElement("hero");
-    ASSERT_TRUE(hero.texture);
-    for (const char* name : {"heart", "coin", "mushroom"})
-        EXPECT_EQ(sheet.getElement(name).texture, hero.texture) << name;
-    EXPECT_EQ(hero.texture->imageInfo.width, 128u);
 }
 
 TEST_F(TextureSheetTest, DebugDumpListsEveryPicture)

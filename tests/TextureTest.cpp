@@ -53,48 +53,6 @@ std::unique_ptr<CTexture> paletted(tPalType pal, kPixelFormat format, uint32_t w
     return t;
 }
 
-TEST(Texture, RAMLayout)
-{
-    struct { tImageInfo info; bool hasPalette; unsigned long pixelOffset; } cases[] = {
-        {{PAL_PALETTE4, kPixelFormatRGBA8888, 16, 16}, true, 64},
-        {{PAL_PALETTE8, kPixelFormatRGB565, 16, 16}, true, 512},
-        {{PAL_PALETTE1, kPixelFormatRGB888, 8, 8}, true, 6},
-        {{PAL_NONE, kPixelFormatRGBA8888, 8, 8}, false, 0},
-    };
-    for (auto& c : cases) {
-        CTexture t(c.info, false);
-        ASSERT_TRUE(t.inRAM);
-        EXPECT_EQ(t.palette, c.hasPalette ? t.buffer : nullptr);
-        EXPECT_EQ(t.pixels, t.buffer + c.pixelOffset);
-        EXPECT_EQ(t.glTextureId, 0u);
-    }
-}
-
-TEST(Texture, ClearZeroesAReusedBlock)
-{
-    tImageInfo info{PAL_PALETTE4, kPixelFormatRGB565, 16, 16};
-    CTexture t(info, false);
-    std::memset(t.buffer, 0xAB, info.GetTotalSize());
-    t.InitRAMTexture(info, true);
-    ASSERT_TRUE(t.inRAM);
-    for (unsigned long i = 0; i < info.GetTotalSize(); ++i)
-        ASSERT_EQ(t.buffer[i], 0) << i;
-}
-
-TEST(Texture, DeletingTwiceIsHarmless)
-{
-    tImageInfo info{PAL_NONE, kPixelFormatRGB888, 4, 4};
-    CTexture t(info, true);
-    t.DeleteRAMTexture();
-    t.DeleteRAMTexture();
-    EXPECT_FALSE(t.inRAM);
-    EXPECT_EQ(t.buffer, nullptr);
-    EXPECT_EQ(t.palette, nullptr);
-    EXPECT_EQ(t.pixels, nullptr);
-    t.DeleteGLTexture();
-    EXPECT_EQ(t.glTextureId, 0u);
-}
-
 TEST(Texture, RefusesDescriptionsItCannotHold)
 {
     struct { tImageInfo info; const char* message; } cases[] = {
@@ -148,19 +106,6 @@ TEST(Texture, DepalettizesEachIndexWidth)
     }
 }
 
-TEST(Texture, DepalettizingReadsTheLeftmostPixelFromTheHighBits)
-{
-    tImageInfo info{PAL_PALETTE1, kPixelFormatRGB888, 8, 1};
-    CTexture t(info, true);
-    const uint8_t palette[] = {1, 2, 3, 4, 5, 6};
-    std::memcpy(t.palette, palette, sizeof palette);
-    t.pixels[0] = 0x81;
-    tImageInfo out{};
-    std::unique_ptr<unsigned char[]> rgb(t.ConvertImageToNoPalette(&out));
-    EXPECT_EQ(std::vector<uint8_t>(rgb.get(), rgb.get() + 24),
-              (std::vector<uint8_t>{4, 5, 6, 1, 2, 3, 1, 2, 3, 1, 2, 3, 1, 2, 3, 1, 2, 3, 1, 2, 3, 4, 5, 6}));
-}
-
 TEST(Texture, DepalettizingAnUnevenWidthDropsTrailingPixels)
 {
     AssertCapture asserts;
@@ -191,16 +136,6 @@ TEST(Texture, DepalettizingNeedsAPalettedRAMImage)
     CTexture empty;
     EXPECT_EQ(empty.ConvertImageToNoPalette(&out), nullptr);
     EXPECT_EQ(asserts.messages(), std::vector<std::string>{"ConvertImageToNoPalette: image not in RAM\n"});
-}
-
-TEST(Texture, IsInList)
-{
-    int list[] = {3, -1, 7};
-    struct { int value; int count; bool expected; } cases[] = {
-        {3, 3, true}, {7, 3, true}, {-1, 2, true}, {7, 2, false}, {3, 0, false}, {3, -5, false}, {4, 3, false},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(isInList(c.value, list, c.count), c.expected) << c.value << " in " << c.count;
 }
 
 // ---- GL uploads ----
@@ -289,23 +224,6 @@ TEST_F(TextureGLTest, UploadCallAndStateForEachKind)
     }
 }
 
-TEST_F(TextureGLTest, SecondUploadReplacesTheTextureName)
-{
-    tImageInfo info{PAL_NONE, kPixelFormatRGB888, 4, 4};
-    CTexture t(info, true);
-    t.InitGLTexture();
-    const GLuint first = t.glTextureId;
-    GLRecorder::start();
-    t.InitGLTexture();
-    GLRecorder::stop();
-    ASSERT_GE(GLRecorder::calls().size(), 2u);
-    EXPECT_EQ(GLRecorder::calls()[0].name, "glDeleteTextures");
-    EXPECT_EQ(GLRecorder::calls()[0].args[1], (long)first);
-    EXPECT_EQ(GLRecorder::calls()[1].name, "glGenTextures");
-    EXPECT_NE(t.glTextureId, 0u);
-    EXPECT_FALSE(glIsTexture(first) && first != t.glTextureId);
-}
-
 TEST_F(TextureGLTest, GLTextureOutlivesTheRAMImageAndDiesWithTheObject)
 {
     std::unique_ptr<CTexture> t = nibblePalette(PAL_PALETTE4);
@@ -328,27 +246,6 @@ TEST_F(TextureGLTest, UploadWithoutRAMImageMakesAnEmptyTexture)
     EXPECT_EQ(asserts.messages(), std::vector<std::string>{"CTexture::InitGLTexture - image not in RAM\n"});
     EXPECT_NE(t.glTextureId, 0u);
     EXPECT_EQ(GLRecorder::count("glTexImage2D") + GLRecorder::count("glCompressedTexImage2D"), 0u);
-}
-
-TEST_F(TextureGLTest, CompressedAndExpandedUploadsDrawTheSame)
-{
-    for (tPalType pal : {PAL_PALETTE4, PAL_PALETTE8}) {
-        SCOPED_TRACE(pal);
-        std::unique_ptr<CTexture> compressed = nibblePalette(pal);
-        compressed->InitGLTexture();
-        drawTexturedQuad(compressed->glTextureId, 16, 16);
-        const ImageIO::tImage a = readFrame();
-        expectPattern("compressed");
-
-        tImageInfo direct{};
-        std::unique_ptr<unsigned char[]> rgb(compressed->ConvertImageToNoPalette(&direct));
-        CTexture expanded(direct, false);
-        std::memcpy(expanded.buffer, rgb.get(), direct.GetTotalSize());
-        expanded.InitGLTexture();
-        drawTexturedQuad(expanded.glTextureId, 16, 16);
-        const ImageIO::tImage b = readFrame();
-        EXPECT_EQ(ImageIO::compare(a, b, 0).pixelsOver, 0);
-    }
 }
 
 class TextureWithoutCompressionTest : public TextureGLTest

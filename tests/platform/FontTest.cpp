@@ -72,25 +72,6 @@ TEST_F(Font, MetricsAreSane)
     EXPECT_GE(g.bottom, m.descent);
 }
 
-TEST_F(Font, StringRectGrowsWithText)
-{
-    const char* texts[] = {"", "i", "ii", "Hello", "Hello, world", "Hello, world and more"};
-    int previous = -1;
-    for (const char* t : texts) {
-        tRect r = fonts.GetStringRect(t);
-        EXPECT_EQ(r.left, 0);
-        EXPECT_GT(r.right, previous) << t;
-        previous = r.right;
-    }
-    tRect empty = fonts.GetStringRect("");
-    EXPECT_EQ(empty.top, 0);
-    EXPECT_EQ(empty.bottom, 0);
-    EXPECT_EQ(empty.right, 0);
-    tRect spaces = fonts.GetStringRect("   ");
-    EXPECT_GT(spaces.right, 0);
-    EXPECT_EQ(spaces.top, 0);
-}
-
 TEST_F(Font, DrawStringInksInsideTheRectWithTheColour)
 {
     const Glib::ustring text = "Agy Wq";
@@ -117,20 +98,6 @@ TEST_F(Font, DrawStringInksInsideTheRectWithTheColour)
         }
     EXPECT_GT(inked, 50);
     EXPECT_EQ(maxAlpha, 0x80) << "full coverage gives the colour's alpha";
-}
-
-TEST_F(Font, DrawStringOnlyRaisesAlpha)
-{
-    Surface s(64, 32);
-    for (size_t i = 0; i < s.pixels.size(); i += 4) {
-        s.pixels[i] = 1;
-        s.pixels[i + 3] = 200;
-    }
-    fonts.SetFontAttr(attr(0x40FFFFFF));
-    ASSERT_TRUE(fonts.DrawString("MMMM", 0, 0, &s.surf));
-    for (size_t i = 3; i < s.pixels.size(); i += 4)
-        ASSERT_EQ(s.pixels[i], 200);
-    EXPECT_EQ(s.pixels[0], 1) << "untouched where there is no ink";
 }
 
 TEST_F(Font, MonochromeGivesHardEdges)
@@ -215,19 +182,6 @@ TEST_F(Font, HandlesAndBadInput)
     wrong = s.surf;
     wrong.buffer = 0;
     EXPECT_FALSE(fonts.DrawString("x", 0, 0, &wrong));
-}
-
-TEST(FontFile, PathIsTakenAsItIs)
-{
-    CFontMPI fonts;
-    tFontHndl byName = fonts.LoadFont("DejaVu Sans Mono", prop(14));
-    ASSERT_NE(byName, 0u);
-    int mono = fonts.GetStringRect("iiii").right;
-    tFontHndl byPath = fonts.LoadFont("/usr/share/fonts/truetype/dejavu/DejaVuSansMono.ttf", prop(14));
-    if (byPath == 0)
-        GTEST_SKIP() << "DejaVu Sans Mono is not at its Debian path";
-    EXPECT_EQ(fonts.GetStringRect("iiii").right, mono);
-    EXPECT_EQ(fonts.GetStringRect("nnnn").right, mono) << "a monospaced face";
 }
 
 } // namespace

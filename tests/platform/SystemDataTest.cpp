@@ -96,16 +96,4 @@ TEST_F(SystemData, ClearPathsKeepsEnvironmentAndLibrary)
     EXPECT_EQ(data->FindArt("missingAsset.png").raw(), data->GetLibraryArtDirectory() + "/missingAsset.png");
 }
 
-TEST(LibraryArt, PlaceholderIsAPng)
-{
-    Glib::ustring path = CSystemData::Instance()->FindArt("missingAsset.png");
-    ASSERT_FALSE(path.empty());
-    FILE* f = fopen(path.c_str(), "rb");
-    ASSERT_TRUE(f);
-    unsigned char signature[8] = {0};
-    EXPECT_EQ(fread(signature, 1, 8, f), 8u);
-    fclose(f);
-    EXPECT_EQ(std::string(reinterpret_cast<char*>(signature), 8), "\x89PNG\r\n\x1a\n");
-}
-
 } // namespace
