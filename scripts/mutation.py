@@ -235,12 +235,14 @@ def main():
         candidates = all_mutants()
         # Run in the drawn order: a run cut short is still a random subsample.
         sample = random.Random(args.seed).sample(candidates, min(args.count, len(candidates)))
+    os.makedirs(build, exist_ok=True)
+    with open(os.path.join(build, "mutation-sample.json"), "w") as f:
+        json.dump(sample, f, indent=1)
     if args.list:
         for m in sample:
             print("%s:%d %s: %s" % (m["file"], m["line"], m["kind"], m["change"]))
         return 0
 
-    os.makedirs(build, exist_ok=True)
     log = open(os.path.join(build, "mutation.log"), "w")
     launcher = ["-DCMAKE_%s_COMPILER_LAUNCHER=ccache" % c for c in ("C", "CXX")] if shutil.which("ccache") else []
     if not os.path.exists(os.path.join(build, "CMakeCache.txt")):

@@ -4,9 +4,7 @@
 #include "RecordingChunk.h"
 
 #include "CActor2D.h"
-#include "CBillboard.h"
 #include "CDrawManager.h"
-#include "CSprite.h"
 #include "CTexturedChunk.h"
 #include "CTexturedDrawList.h"
 
@@ -52,37 +50,6 @@ protected:
 
     std::vector<boost::shared_ptr<CTexture> > mTextures;
 };
-
-TEST_F(ActorDrawTest, SpriteMergesBillboardsOfOneTexture)
-{
-    const std::string tree = examplesPath("art/tree_pal8.png"), ball = examplesPath("art/ball_pal4.png");
-    struct { const char* name; std::string second; std::vector<long> drawnIndices; } cases[] = {
-        {"same texture", tree, {12}},
-        {"two textures", ball, {6, 6}},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        boost::shared_ptr<CSprite> sprite = boost::make_shared<CSprite>();
-        boost::shared_ptr<CBillboard> first = boost::make_shared<CBillboard>(tree, true);
-        boost::shared_ptr<CBillboard> second = boost::make_shared<CBillboard>(c.second, true);
-        second->moveTo(tVect2{tFixed(20), ZERO_X});
-        sprite->attach(first);
-        sprite->attach(second);
-        ASSERT_EQ(sprite->getChunks().size(), c.drawnIndices.size());
-        EXPECT_EQ(static_cast<CTexturedChunk*>(sprite->getChunks().front().get())->getTextureId(), first->getTextureId());
-        EXPECT_EQ(static_cast<CTexturedChunk*>(sprite->getChunks().back().get())->getTextureId(), second->getTextureId());
-        CDrawManager::Instance()->add(sprite);
-        GLRecorder::clear();
-        GLRecorder::start();
-        frame();
-        GLRecorder::stop();
-        std::vector<long> drawn;
-        for (const auto& call : GLRecorder::callsNamed("glDrawElements"))
-            drawn.push_back(call.args[1]);
-        EXPECT_EQ(drawn, c.drawnIndices);
-        CDrawManager::Instance()->remove(sprite);
-    }
-}
 
 TEST_F(ActorDrawTest, CelChangeSwapsListEntriesAndPixels)
 {

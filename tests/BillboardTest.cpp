@@ -73,24 +73,6 @@ TEST_F(BillboardTest, VerticesAndTextureCoordinates)
     }
 }
 
-TEST_F(BillboardTest, SizeComesFromTheTexture)
-{
-    CBillboard b;
-    EXPECT_EQ(b.getWidth(), ZERO_X);
-    boost::shared_ptr<CTexture> texture = makeTexture(64, 32, kPixelFormatRGBA8888, [](int, int) { return RED; });
-    EXPECT_TRUE(b.setTexture(texture));
-    EXPECT_EQ(b.getWidth(), F(64));
-    EXPECT_EQ(b.getHeight(), F(32));
-    EXPECT_EQ(b.getTexture(), texture);
-    EXPECT_EQ(b.getTextureId(), texture->glTextureId);
-    EXPECT_TRUE(chunkOf(b)->isTranslucent());
-    EXPECT_TRUE(b.setTexture(texture, true));
-    EXPECT_FALSE(chunkOf(b)->isTranslucent());
-    b.clearTexture();
-    EXPECT_FALSE(b.getTexture());
-    EXPECT_EQ(b.getWidth(), F(64)) << "the size is kept";
-}
-
 TEST_F(BillboardTest, ReportsWhatItCannotDo)
 {
     AssertCapture asserts;
@@ -110,19 +92,6 @@ TEST_F(BillboardTest, ReportsWhatItCannotDo)
     EXPECT_EQ(asserts.messages(), expected);
     for (const auto& e : asserts.entries())
         EXPECT_EQ(e.file, "Zephrin2D/Src/CBillboard");
-}
-
-TEST_F(BillboardTest, MissingFileShowsThePlaceholder)
-{
-    DebugCapture debug;
-    CBillboard b;
-    EXPECT_TRUE(b.loadTexture(scratchDir("billboard-missing") + "/nothing-here.png", 0));
-    ASSERT_TRUE(b.getTexture());
-    EXPECT_NE(b.getTextureId(), 0u);
-    EXPECT_GT(b.getWidth(), ZERO_X);
-    CBillboard c(scratchDir("billboard-missing") + "/nothing-either.png", false);
-    EXPECT_TRUE(c.getTexture());
-    EXPECT_FALSE(c.getVisibility());
 }
 
 TEST_F(BillboardTest, ChangesAreCopyOnWrite)

@@ -4,8 +4,6 @@
 #include "CDrawList.h"
 #include "CTexturedDrawList.h"
 
-#include <GLES/glext.h>
-
 using namespace DrawTest;
 
 namespace {
@@ -32,13 +30,6 @@ TEST(DrawChunk, TranslucencyFollowsTheTextureFormat)
         chunk.setTexture(formatOnlyTexture(c.pal, c.format), true);
         EXPECT_FALSE(chunk.isTranslucent()) << "binary alpha is drawn opaque: " << c.pal << "/" << c.format;
     }
-    struct { GLenum format; bool translucent; } formats[] = {
-        {GL_RGBA, true}, {GL_RGB, false}, {GL_PALETTE8_RGB5_A1_OES, false}, {GL_PALETTE4_RGB5_A1_OES, false},
-        {GL_PALETTE8_RGBA8_OES, true}, {GL_PALETTE4_RGBA4_OES, true}, {GL_PALETTE8_R5_G6_B5_OES, false},
-        {GL_LUMINANCE_ALPHA, false}, {0xFFFF, false},
-    };
-    for (const auto& f : formats)
-        EXPECT_EQ(CTexturedChunk::isTranslucentFormat(f.format), f.translucent) << std::hex << f.format;
 }
 
 TEST(DrawChunk, MergeRules)

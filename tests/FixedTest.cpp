@@ -82,22 +82,6 @@ TEST(Fixed, SqrtIsFloorOfTrueRoot)
     }
 }
 
-TEST(Rect2, IntersectionIsInclusiveAndUnchecked)
-{
-    tRect2 a{tFixed(0), tFixed(0), tFixed(10), tFixed(10)};
-    tRect2 corner{tFixed(10), tFixed(10), tFixed(20), tFixed(20)};
-    tRect2 apart{tFixed(11), tFixed(0), tFixed(20), tFixed(5)};
-    EXPECT_TRUE(a.HasIntersection(corner));
-    tRect2 i = a.FindIntersection(corner);
-    EXPECT_EQ(i.left, tFixed(10));
-    EXPECT_EQ(i.bottom, tFixed(10));
-    EXPECT_EQ(i.right, tFixed(10));
-    EXPECT_EQ(i.top, tFixed(10));
-    EXPECT_FALSE(a.HasIntersection(apart));
-    tRect2 inverted = a.FindIntersection(apart);
-    EXPECT_GT(inverted.left, inverted.right);
-}
-
 TEST(Matrix23, TransformsTable)
 {
     struct

@@ -116,17 +116,3 @@ TEST_F(FuzzRegression, EveryInputLoadsAsBadInput)
     }
 }
 
-TEST_F(FuzzRegression, DatasetReaderRefusesMisalignedRecords)
-{
-    CSceneLoaderDset loader;
-    void* data = 0;
-    AssertCapture asserts;
-    boost::shared_ptr<CDataset> dataset =
-        loader.LoadDset(writeDataset(testDataPath("fuzz-regressions/dset-misaligned-cel-array.bin")), data);
-    ASSERT_TRUE(dataset && loader.getReader());
-    const tDsetActor* root = loader.getReader()->record<tDsetActor>(data);
-    ASSERT_TRUE(root);
-    ASSERT_NE(0u, root->cels % 4);
-    EXPECT_EQ(nullptr, loader.getReader()->array<tDsetSpriteCel>(root->cels, root->celCount));
-    EXPECT_EQ(nullptr, loader.getReader()->record<tDsetSpriteCel>(CDsetReader::address(root->cels)));
-}

@@ -3,7 +3,6 @@
 #include "RecordingChunk.h"
 
 #include "CDrawManager.h"
-#include "CGraphics2D.h"
 #include "CGraphicElement.h"
 
 #include <GLES/gl.h>
@@ -123,34 +122,6 @@ TEST(GraphicElement, PushTransformSkipsIdentitySteps)
         EXPECT_EQ(recordedGLCalls(), expected) << c.name;
     }
     GLRecorder::clear();
-}
-
-class GraphicElementDrawTest : public GLTest
-{
-};
-
-TEST_F(GraphicElementDrawTest, RegistrationPointIsAYellowPoint)
-{
-    const tColor yellow{255, 255, 0, 255};
-    tColor cyan{0, 255, 255, 255};
-    struct { tColor* given; tColor expected; } cases[] = {{nullptr, yellow}, {&cyan, cyan}};
-    for (const auto& c : cases) {
-        CGraphics2D::Instance()->clearBuffer();
-        PlainElement e;
-        e.setColor(tColor{10, 20, 30, 40});
-        e.moveTo(tVect2{X(20), X(30)});
-        e.scaleTo(tVect2{X(3), X(3)});
-        e.moveRegTo(tVect2{X(5), X(5)});  // the marker sits on the position, not offset by reg
-        e.drawRegPoint(X(4), c.given);
-        for (int x = 18; x < 22; ++x)
-            EXPECT_EQ(pixel(x, 29), c.expected) << x;
-        EXPECT_NE(pixel(22, 30), c.expected);
-        EXPECT_NE(pixel(20, 32), c.expected) << "4 pixels, unscaled";
-        EXPECT_EQ(e.getColor(), (tColor{10, 20, 30, 40}));
-        EXPECT_TRUE(glIsEnabled(GL_TEXTURE_2D));
-        EXPECT_TRUE(glIsEnabled(GL_TEXTURE_COORD_ARRAY));
-        EXPECT_FALSE(gl_checkError());
-    }
 }
 
 } // namespace

@@ -16,24 +16,6 @@ protected:
     Graphics2DTest() : GLTest(64, 48, tColor{255, 0, 128, 255}) {}
 };
 
-TEST_F(Graphics2DTest, InitSetsTheFixedState)
-{
-    struct { GLenum cap; bool on; } caps[] = {
-        {GL_DEPTH_TEST, true}, {GL_TEXTURE_2D, true}, {GL_ALPHA_TEST, true}, {GL_BLEND, true},
-        {GL_VERTEX_ARRAY, true}, {GL_TEXTURE_COORD_ARRAY, true}, {GL_COLOR_ARRAY, false},
-    };
-    for (const auto& c : caps)
-        EXPECT_EQ(glIsEnabled(c.cap) == GL_TRUE, c.on) << std::hex << c.cap;
-    GLint v = 0;
-    glGetIntegerv(GL_DEPTH_FUNC, &v);
-    EXPECT_EQ(v, GL_LEQUAL);
-    glGetIntegerv(GL_MATRIX_MODE, &v);
-    EXPECT_EQ(v, GL_MODELVIEW);
-    glGetIntegerv(GL_BLEND_SRC, &v);
-    EXPECT_EQ(v, GL_SRC_ALPHA);
-    EXPECT_FALSE(gl_checkError());
-}
-
 TEST_F(Graphics2DTest, ClearColourIsShiftedNotScaled)
 {
     CGraphics2D::Instance()->clearBuffer();

@@ -5,7 +5,6 @@
 #include "CGraphicPoints.h"
 #include "CGraphics2D.h"
 #include "CPointSpriteChunk.h"
-#include "CPointSpriteDrawList.h"
 #include "CTextureManager.h"
 
 #include <GLES/glext.h>
@@ -32,20 +31,6 @@ protected:
         return boost::dynamic_pointer_cast<CPointSpriteChunk>(p.getChunks().at(0));
     }
 };
-
-TEST_F(PointsTest, PointsStartAtTheOriginWithTheTexture)
-{
-    const std::string path = imageFile("red.png", RED);
-    CGraphicPoints cloud(3, path);
-    ASSERT_EQ(cloud.getChunks().size(), 1u);
-    EXPECT_EQ(cloud.getNumberVertices(), 3);
-    for (unsigned short i = 0; i < 3; ++i)
-        EXPECT_EQ(cloud.getVertexN(i), VECT3_0);
-    EXPECT_EQ(chunkOf(cloud)->getTexture(), CTextureManager::Instance()->get(path));
-    EXPECT_EQ(chunkOf(cloud)->getDrawnPointSize(), tFixed(4)) << "the texture's width by default";
-    cloud.setPointSize(tFixed(6));
-    EXPECT_EQ(chunkOf(cloud)->getDrawnPointSize(), tFixed(6));
-}
 
 TEST_F(PointsTest, BadInputIsReported)
 {
@@ -125,28 +110,6 @@ TEST_F(PointsTest, InPlaceWritesShowInTheNextFrame)
     EXPECT_EQ(pixel(30, 50), BLACK);
 }
 
-TEST_F(PointsTest, ReplacedChunkIsWithdrawn)
-{
-    boost::shared_ptr<CGraphicPoints> cloud = boost::make_shared<CGraphicPoints>();
-    cloud->setNumberVertices(1);
-    chunkOf(*cloud)->setTexture(solidTexture(RED, 4));  // opaque
-    cloud->setVertexN(0, P(10, 10));
-    CDrawManager::Instance()->add(cloud);
-    boost::shared_ptr<CPointSpriteChunk> old = chunkOf(*cloud);
-    cloud->setNumberVertices(2);
-    cloud->setVertexN(1, P(40, 40));
-    ASSERT_EQ(CDrawManager::Instance()->getOpaqueLists().size(), 1u);
-    CPointSpriteDrawList* list =
-        dynamic_cast<CPointSpriteDrawList*>(CDrawManager::Instance()->getOpaqueLists()[0].get());
-    ASSERT_NE(list, nullptr);
-    EXPECT_EQ(list->getEntryCount(), 1u);
-    EXPECT_FALSE(list->contains(cloud, old));
-    EXPECT_TRUE(old->getDrawList().expired());
-    frame();
-    EXPECT_EQ(pixel(10, 10), RED);
-    EXPECT_EQ(pixel(40, 40), RED);
-}
-
 TEST_F(PointsTest, NeighbouringCloudsOfOneSizeDrawInOneCall)
 {
     boost::shared_ptr<CTexture> texture = solidTexture(RED, 4);
@@ -201,17 +164,6 @@ TEST_F(PointsTest, TranslucentCloudsTakeTheirPlaceAmongTranslucentQuads)
     const tColor p = pixel(4, 4);
     EXPECT_NEAR(p.r, 64, 3) << p;
     EXPECT_NEAR(p.b, 160, 3) << p;
-}
-
-TEST_F(PointsTest, ImmediateDraw)
-{
-    CGraphicPoints cloud(1, imageFile("red.png", RED));
-    cloud.moveTo(tVect2{tFixed(20), tFixed(20)});
-    CGraphics2D::Instance()->clearBuffer();
-    cloud.draw(nullptr);
-    EXPECT_EQ(pixel(20, 20), RED);
-    EXPECT_EQ(pixel(10, 10), BLACK);
-    EXPECT_EQ(glIsEnabled(GL_POINT_SPRITE_OES), GL_FALSE);
 }
 
 } // namespace

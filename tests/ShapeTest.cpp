@@ -58,23 +58,6 @@ TEST(ShapeGeometry, CircleHalvesMirrorEachOther)
     }
 }
 
-TEST(ShapeGeometry, RectangleIsCentredWithTruncatedHalves)
-{
-    struct { int32_t w, h; int32_t hw, hh; } cases[] = {
-        {3, 3, 1, 1},                       // the odd raw unit is dropped
-        {10 << 16, 6 << 16, 5 << 16, 3 << 16},
-        {-3, 5, -1, 2},                     // truncation toward zero
-        {0, 0, 0, 0},
-    };
-    for (const auto& c : cases) {
-        CGraphicRectangle rect;
-        rect.setWidthHeight(tVect2{tFixed::fromRaw(c.w), tFixed::fromRaw(c.h)});
-        EXPECT_EQ(rawVertices(rect), (std::vector<tRaw>{tRaw(-c.hw, -c.hh), tRaw(c.hw, -c.hh),
-                                                        tRaw(-c.hw, c.hh), tRaw(c.hw, c.hh)}))
-            << c.w << "x" << c.h;
-    }
-}
-
 TEST(ShapeChecks, OutOfRangeIndexIsReportedAndHarmless)
 {
     const tColor kGrey{9, 9, 9, 9};

@@ -16,44 +16,6 @@ tImageInfo info(int pal, int format, uint32_t w, uint32_t h)
     return tImageInfo{static_cast<tPalType>(pal), static_cast<kPixelFormat>(format), w, h};
 }
 
-TEST(TextureImageInfo, SizesAndFormats)
-{
-    struct {
-        tImageInfo info;
-        unsigned long entries, bpe, paletteSize, imageSize, totalSize;
-        GLenum internal;
-    } cases[] = {
-        {info(PAL_PALETTE1, kPixelFormatRGB565, 16, 4), 2, 2, 4, 8, 12, 0xFFFF},
-        {info(PAL_PALETTE2, kPixelFormatRGBA4444, 8, 4), 4, 2, 8, 8, 16, 0xFFFF},
-        {info(PAL_PALETTE4, kPixelFormatRGBA8888, 16, 16), 16, 4, 64, 128, 192, 0x8B91},
-        {info(PAL_PALETTE4, kPixelFormatRGB565, 8, 8), 16, 2, 32, 32, 64, 0x8B92},
-        {info(PAL_PALETTE4, kPixelFormatRGBA4444, 8, 8), 16, 2, 32, 32, 64, 0x8B93},
-        {info(PAL_PALETTE4, kPixelFormatRGB888, 8, 8), 16, 3, 48, 32, 80, 0x8B90},
-        {info(PAL_PALETTE8, kPixelFormatRGBA4444, 16, 16), 256, 2, 512, 256, 768, 0x8B98},
-        {info(PAL_PALETTE8, kPixelFormatRGB565, 16, 16), 256, 2, 512, 256, 768, 0x8B97},
-        {info(PAL_PALETTE8, kPixelFormatRGBA8888, 16, 16), 256, 4, 1024, 256, 1280, 0x8B96},
-        {info(PAL_PALETTE8, kPixelFormatRGB888, 16, 16), 256, 3, 768, 256, 1024, 0x8B95},
-        {info(PAL_NONE, kPixelFormatRGB888, 100, 64), 0, 3, 0, 19200, 19200, GL_RGB},
-        {info(PAL_NONE, kPixelFormatRGBA8888, 8, 8), 0, 4, 0, 256, 256, GL_RGBA},
-        {info(PAL_NONE, kPixelFormatRGBA4444, 8, 8), 0, 2, 0, 128, 128, GL_RGBA},
-        {info(PAL_NONE, kPixelFormatRGB565, 8, 8), 0, 2, 0, 128, 128, GL_RGB},
-    };
-    const tImageInfo unknown[] = {info(0, kPixelFormatRGB565, 8, 8), info(PAL_PALETTE8, 9, 8, 8), info(PAL_NONE, 0, 8, 8)};
-    AssertCapture asserts;
-    for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << "palType " << c.info.palType << " format " << c.info.pixelFormat);
-        EXPECT_EQ(c.info.GetNumPaletteEntries(), c.entries);
-        EXPECT_EQ(c.info.GetBytesPerEntry(), c.bpe);
-        EXPECT_EQ(c.info.GetPaletteSize(), c.paletteSize);
-        EXPECT_EQ(c.info.GetImageSize(), c.imageSize);
-        EXPECT_EQ(c.info.GetTotalSize(), c.totalSize);
-        EXPECT_EQ(c.info.GetGLInternalFormat(), c.internal);
-    }
-    for (const tImageInfo& u : unknown)
-        EXPECT_EQ(u.GetGLInternalFormat(), 0xFFFFu);
-    EXPECT_TRUE(asserts.entries().empty()) << "no combination asserts";
-}
-
 TEST(TextureImageInfo, NonPowerOfTwoSideIsOnlyAWarning)
 {
     DebugCapture debug;
@@ -114,27 +76,6 @@ TEST(TextureImageInfo, BadEnumerationsAssertAndGiveSentinels)
         for (const auto& e : asserts.entries())
             EXPECT_EQ(e.file, "Zephrin2D/Src/CTexture") << c.what;
     }
-}
-
-TEST(TextureImageInfo, PackAndUnpack)
-{
-    const tImageInfo rgba4 = info(PAL_NONE, kPixelFormatRGBA4444, 1, 1);
-    const tImageInfo rgb565 = info(PAL_NONE, kPixelFormatRGB565, 1, 1);
-    struct { tImageInfo info; tColor c; unsigned short packed; } packs[] = {
-        {rgba4, {255, 128, 0, 255}, 0xF80F}, {rgb565, {255, 128, 0, 255}, 0xFC00},
-        {rgba4, {0x1F, 0x2F, 0x3F, 0x4F}, 0x1234}, {rgb565, {0, 255, 0, 0}, 0x07E0},
-        {rgb565, {7, 3, 7, 255}, 0x0000},
-    };
-    for (const auto& p : packs)
-        EXPECT_EQ(p.info.PackColor16(p.c), p.packed) << p.c;
-
-    struct { tImageInfo info; unsigned short v; tColor c; } unpacks[] = {
-        {rgba4, 0xFFFF, {240, 240, 240, 240}}, {rgb565, 0xFFFF, {248, 252, 248, 0}},
-        {rgba4, 0x1234, {0x10, 0x20, 0x30, 0x40}}, {rgb565, 0x07E0, {0, 252, 0, 0}},
-        {rgb565, 0xF800, {248, 0, 0, 0}},
-    };
-    for (const auto& u : unpacks)
-        EXPECT_EQ(u.info.UnpackColor16(u.v), u.c) << std::hex << u.v;
 }
 
 } // namespace

@@ -30,21 +30,6 @@ TEST_F(TextureManagerTest, SharesALiveTexture)
     EXPECT_NE(loadRAM(png("rgba.png")), a);
 }
 
-TEST_F(TextureManagerTest, ExpiredTextureIsReadAgain)
-{
-    CTextureManager* m = CTextureManager::Instance();
-    boost::shared_ptr<CTexture> a = loadRAM(png("rgb.png"));
-    const uint8_t original = a->pixels[0];
-    a->pixels[0] = static_cast<uint8_t>(original + 1);
-    a.reset();
-    EXPECT_FALSE(m->get(png("rgb.png")));
-    EXPECT_EQ(m->getEntryCount(), 1u) << "an expired entry stays until overwritten";
-    boost::shared_ptr<CTexture> b = loadRAM(png("rgb.png"));
-    ASSERT_TRUE(b);
-    EXPECT_EQ(b->pixels[0], original) << "a fresh copy of the file";
-    EXPECT_EQ(m->getEntryCount(), 1u);
-}
-
 TEST_F(TextureManagerTest, NothingLoadedGivesEmptyAndNoEntry)
 {
     AssertCapture asserts;

@@ -167,49 +167,6 @@ TEST(TexturePNG, BrokenFilesEndInTheReadingAssertion)
     }
 }
 
-TEST(TexturePNG, FailedReloadDropsThePreviousImage)
-{
-    AssertCapture asserts;
-    CTexturePNG t(png("rgb.png"), false, true, false);
-    ASSERT_TRUE(t.inRAM);
-    t.LoadPNG(png("truncated.png"), false);
-    EXPECT_FALSE(t.inRAM);
-    t.LoadPNG(png("pal4.png"), false);
-    EXPECT_EQ(t.imageInfo.palType, PAL_PALETTE4);
-}
-
-TEST(TexturePNG, LibpngWarningsAreLoggedAndTheImageKept)
-{
-    AssertCapture asserts;
-    DebugCapture debug;
-    CTexturePNG t(png("bad_crc_text.png"), false, true, false);
-    expectImage(t, tGood{"", false, PAL_NONE, kPixelFormatRGB888, 8, 8, 0, {}});
-    EXPECT_TRUE(asserts.entries().empty());
-    bool warned = false;
-    for (const auto& e : debug.entries())
-        warned = warned || (e.level == 3 && e.text.find("CTexturePNG: libpng warning: ") == 0);
-    EXPECT_TRUE(warned);
-}
-
-TEST(TexturePNG, PaletteLongerThanTheDepthAllowsIsTrimmed)
-{
-    AssertCapture asserts;
-    CTexturePNG t(png("pal1_3_entries.png"), false, true, false);
-    ASSERT_TRUE(t.inRAM);
-    EXPECT_EQ(t.imageInfo.palType, PAL_PALETTE1);
-    EXPECT_EQ(entry16(t, 1), t.imageInfo.PackColor16(paletteEntry(1)));
-    EXPECT_EQ(t.pixels[0], 0x55);
-    EXPECT_TRUE(asserts.entries().empty());
-}
-
-TEST(TexturePNG, IndicesPastThePaletteReadAsTransparentBlack)
-{
-    CTexturePNG t(png("pal_bad_index.png"), false, true, false);
-    ASSERT_TRUE(t.inRAM);
-    EXPECT_EQ(t.pixels[0], 250);
-    EXPECT_EQ(entry16(t, 250), 0);
-}
-
 TEST(TexturePNG, MissingFileLoadsThePlaceholder)
 {
     const std::string dir = scratchDir("texture-placeholder");

@@ -54,24 +54,6 @@ protected:
     tFontHndl handle = 0;
 };
 
-TEST_F(Font, MetricsAreSane)
-{
-    tFontMetrics m = fonts.GetFontMetrics();
-    EXPECT_GE(m.ascent, 12);
-    EXPECT_LE(m.ascent, 20);
-    EXPECT_LT(m.descent, 0);
-    EXPECT_GE(m.descent, -8);
-    EXPECT_GE(m.height, m.ascent - m.descent);
-    EXPECT_GT(m.advance, 0);
-    tRect x = fonts.GetStringRect("X");
-    EXPECT_GT(x.top, 8);
-    EXPECT_LE(x.top, m.ascent);
-    EXPECT_EQ(x.bottom, 0);
-    tRect g = fonts.GetStringRect("g");
-    EXPECT_LT(g.bottom, 0);
-    EXPECT_GE(g.bottom, m.descent);
-}
-
 TEST_F(Font, DrawStringInksInsideTheRectWithTheColour)
 {
     const Glib::ustring text = "Agy Wq";
@@ -98,16 +80,6 @@ TEST_F(Font, DrawStringInksInsideTheRectWithTheColour)
         }
     EXPECT_GT(inked, 50);
     EXPECT_EQ(maxAlpha, 0x80) << "full coverage gives the colour's alpha";
-}
-
-TEST_F(Font, MonochromeGivesHardEdges)
-{
-    fonts.SetFontAttr(attr(0xFF000000, 0));
-    Surface s(64, 32);
-    ASSERT_TRUE(fonts.DrawString("Sao", 2, 2, &s.surf));
-    EXPECT_GT(s.inked(), 20);
-    for (size_t i = 3; i < s.pixels.size(); i += 4)
-        ASSERT_TRUE(s.pixels[i] == 0 || s.pixels[i] == 255);
 }
 
 TEST_F(Font, ClipsAtEveryEdgeWithoutOverrun)

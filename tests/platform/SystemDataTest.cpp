@@ -69,14 +69,6 @@ TEST_F(SystemData, SearchOrder)
         EXPECT_EQ(data->FindArt(c.name).raw(), c.expected) << c.name;
 }
 
-TEST_F(SystemData, ExistingPathComesBackAsItIs)
-{
-    const std::string path = root + "/env2/late.png";
-    EXPECT_EQ(data->FindArt(path).raw(), path);
-    EXPECT_EQ(data->FindAudio(path).raw(), path);
-    EXPECT_EQ(data->FindArt(root + "/host/late.png").raw(), "") << "a missing absolute path is not searched";
-}
-
 TEST_F(SystemData, AudioLooksInAudioDirectoriesThenArt)
 {
     EXPECT_EQ(data->FindAudio("clip.ogg").raw(), root + "/audio/clip.ogg");
