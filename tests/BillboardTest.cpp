@@ -125,25 +125,6 @@ TEST_F(BillboardTest, ChangesAreCopyOnWrite)
     EXPECT_EQ(copy->getChunks()[0]->getVertices(), handedVertices);
 }
 
-TEST_F(BillboardTest, ImmediateDrawNeedsVisibilityAndSize)
-{
-    CBillboard sized;
-    sized.setTexture(solidTexture(BLUE));
-    CBillboard empty;
-    struct { CBillboard* b; bool visible; bool draws; } cases[] = {
-        {&sized, true, true}, {&sized, false, false}, {&empty, true, false}};
-    for (const auto& c : cases) {
-        CGraphics2D::Instance()->clearBuffer();
-        c.b->setVisibility(c.visible);
-        GLRecorder::start();
-        c.b->draw(nullptr);
-        GLRecorder::stop();
-        EXPECT_EQ(GLRecorder::count("glDrawArrays"), c.draws ? 1u : 0u);
-        EXPECT_EQ(pixel(3, 3), c.draws ? BLUE : BLACK);
-        GLRecorder::clear();
-    }
-}
-
 TEST_F(BillboardTest, SheetPictureLandsOnItsRegistrationPoint)
 {
     // A 64 x 32 bitmap: the picture (16, 0)-(48, 16) is green with a blue top-left pixel.

@@ -148,17 +148,4 @@ TEST_F(DrawManagerTest, AlphaTestedHolesShowWhatLiesBehind)
     }
 }
 
-TEST_F(DrawManagerTest, OpaqueBeforeTranslucent)
-{
-    boost::shared_ptr<Element> glass = quadElement(solidTexture(tColor{0, 0, 255, 128}), 0, 0, Z(1));
-    boost::shared_ptr<Element> wall = quadElement(solidTexture(RED), 0, 0, Z(0));
-    boost::shared_ptr<Element> ahead = quadElement(solidTexture(RED), 4, 0, Z(2));
-    manager()->add(glass);
-    manager()->add(wall);
-    manager()->add(ahead);
-    frame();
-    expectNear(pixel(1, 1), tColor{127, 0, 128, 255}, 3, "glass over the wall behind it");
-    EXPECT_EQ(pixel(6, 1), RED) << "glass behind an opaque quad is hidden";
-}
-
 } // namespace

@@ -65,23 +65,6 @@ TEST(Fixed, SineWithinTwoUnitsEverywhere)
     }
 }
 
-TEST(Fixed, SqrtIsFloorOfTrueRoot)
-{
-    EXPECT_EQ(sqrt(tFixed(4)).raw(), 0x20000);
-    EXPECT_EQ(sqrt(tFixed(2)).raw(), SQRT2_X.raw());
-    EXPECT_EQ(sqrt(ZERO_X).raw(), 0);
-    std::vector<uint32_t> values = {1, 2, 3, 0xFFFF, 0x10000, 0x12345, 0x7FFFFFFF, 0x80000000u, 0xFFFFFFFFu};
-    for (uint32_t v = 7; v < 0x7FFFFFF0u; v = v * 3 + 11)
-        values.push_back(v);
-    for (uint32_t v : values) {
-        const unsigned __int128 n = static_cast<unsigned __int128>(v) << 16;
-        uint64_t r = static_cast<uint64_t>(std::sqrt(static_cast<long double>(v) * 65536.0L));
-        while (static_cast<unsigned __int128>(r) * r > n) --r;
-        while (static_cast<unsigned __int128>(r + 1) * (r + 1) <= n) ++r;
-        EXPECT_EQ(static_cast<uint32_t>(sqrt(raw(static_cast<int32_t>(v))).raw()), r) << std::hex << v;
-    }
-}
-
 TEST(Matrix23, TransformsTable)
 {
     struct

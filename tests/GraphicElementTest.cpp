@@ -1,8 +1,6 @@
 #include "TestSupport.h"
 #include "GLCallText.h"
-#include "RecordingChunk.h"
 
-#include "CDrawManager.h"
 #include "CGraphicElement.h"
 
 #include <GLES/gl.h>
@@ -58,33 +56,6 @@ TEST(GraphicElement, MatrixFollowsTheTransform)
                   (std::vector<int32_t>{c.m00.raw(), c.m01.raw(), c.m02.raw(), c.m10.raw(), c.m11.raw(), c.m12.raw()}))
             << c.name;
     }
-}
-
-class GraphicElementManagedTest : public ::testing::Test
-{
-protected:
-    void TearDown() override { CDrawManager::Destroy(); }
-
-    static boost::shared_ptr<PlainElement> managedElement()
-    {
-        boost::shared_ptr<PlainElement> e = boost::make_shared<PlainElement>();
-        e->getChunks().push_back(boost::make_shared<RecordingChunk>());
-        e->getChunks().push_back(boost::make_shared<RecordingChunk>());
-        CDrawManager::Instance()->add(e);
-        return e;
-    }
-};
-
-TEST_F(GraphicElementManagedTest, AssignmentWithdrawsTheTargetsChunks)
-{
-    boost::shared_ptr<PlainElement> target = managedElement();
-    PlainElement other;
-    other.moveTo(tVect2{X(9), X(9)});
-    *target = other;
-    EXPECT_TRUE(registeredChunks(target.get()).empty());
-    EXPECT_TRUE(target->getChunks().empty());
-    EXPECT_EQ(target->getX(), X(9));
-    EXPECT_EQ(target->getMatrix().m02, X(9));
 }
 
 TEST(GraphicElement, PushTransformSkipsIdentitySteps)

@@ -60,23 +60,6 @@ TEST_F(SceneLoaderJsonTest, NumbersTruncateTowardZero)
     EXPECT_EQ(e[0]->getColor(), (tColor{10, 20, 30, 40}));
 }
 
-TEST_F(SceneLoaderJsonTest, TopLevelActorsAreCopies)
-{
-    CSceneLoaderJson::tElementList e = load(R"([
-        {"ElementType": 3, "ID": 0, "Position": [10.0, 10.0],
-         "Animation": [{"ID": 0, "Duration": 100, "Label": "walk"}, {"ID": 1, "Duration": 100}]},
-        {"ElementType": 3, "ID": 0, "Position": [50.0, 20.0]}
-    ])");
-    ASSERT_EQ(e.size(), 2u);
-    ASSERT_TRUE(e[0] && e[1]);
-    EXPECT_NE(e[0], e[1]);
-    EXPECT_EQ(e[0]->getX(), tFixed(10));
-    EXPECT_EQ(e[1]->getX(), tFixed(50));
-    EXPECT_EQ(loader.getActors().size(), 2u);
-    CActor2D* copy = static_cast<CActor2D*>(e[1].get());
-    EXPECT_EQ(copy->getAnimationEndOffset("walk"), 1u);
-}
-
 TEST_F(SceneLoaderJsonTest, OpargsAreCutToSixteenBits)
 {
     const struct { const char* oparg; int opcode; unsigned short expected; } cases[] = {

@@ -29,35 +29,6 @@ tRaw px(int x, int y) { return tRaw(x * 65536, y * 65536); }
 
 tVect2 v2(int x, int y) { return tVect2{tFixed(x), tFixed(y)}; }
 
-TEST(ShapeGeometry, CircleHalvesMirrorEachOther)
-{
-    const int32_t r = 50 << 16;
-    for (unsigned int sides : {3u, 4u, 5u, 6u, 7u, 8u, 9u, 16u, 31u, 32u, 100u}) {
-        SCOPED_TRACE(sides);
-        CGraphicCircle circle;
-        circle.setSides(sides);
-        circle.setRadius(tFixed::fromRaw(r));
-        const std::vector<tRaw> v = rawVertices(circle);
-        const size_t n = sides + 2;
-        ASSERT_EQ(v.size(), n);
-        EXPECT_EQ(v[0], tRaw(0, 0));
-        EXPECT_EQ(v[1], tRaw(0, r));
-        EXPECT_EQ(v[n - 1], tRaw(0, r));
-        for (size_t k = 2; k + 1 < n; ++k) {
-            EXPECT_EQ(v[k].first, -v[n - k].first) << k;
-            EXPECT_EQ(v[k].second, v[n - k].second) << k;
-            if (k > n / 2)
-                continue;
-            EXPECT_LE(v[k].first, 0) << "the first half runs left from the top, vertex " << k;
-            const double len = std::hypot(v[k].first / 65536.0, v[k].second / 65536.0);
-            EXPECT_NEAR(len, 50.0, 0.01) << k;
-        }
-        if (sides % 2 == 0 && DEGREES360_X.raw() % sides == 0) {
-            EXPECT_EQ(v[1 + sides / 2], tRaw(0, -r));
-        }
-    }
-}
-
 TEST(ShapeChecks, OutOfRangeIndexIsReportedAndHarmless)
 {
     const tColor kGrey{9, 9, 9, 9};

@@ -53,22 +53,6 @@ TEST_F(TextureSheetTest, PicturesOfOneBitmapShareItsTexture)
     EXPECT_EQ(CTextureManager::Instance()->get(mDir + "/a.png"), hero.texture);
 }
 
-TEST_F(TextureSheetTest, LaterDescriptionReplacesPicturesOfTheSameName)
-{
-    writeFile(mDir + "/a.json", kTwoPictures);
-    writeFile(mDir + "/b.json", R"({"ImageData": [{"Bitmap": "b.png", "Images": [
-        {"Name": "hero", "P1": [9, 9], "P2": [16, 16], "RegPoint": [1, 1], "CropRect": [0, 0, 0, 0]}]}]})");
-    CTextureSheet sheet(mDir + "/a.json");
-    sheet.addFromJson(mDir + "/b.json");
-    EXPECT_EQ(sheet.getElementCount(), 2u);
-    const tTextureSheetElement hero = sheet.getElement("hero");
-    EXPECT_EQ(hero.p1, v(9, 9));
-    ASSERT_TRUE(hero.texture);
-    EXPECT_EQ(hero.texture->imageInfo.width, 16u);
-    EXPECT_EQ(sheet.getElement("coin").p2, v(8, 8));
-    EXPECT_TRUE(CTextureManager::Instance()->get(mDir + "/a.png")) << "coin still uses a.png";
-}
-
 TEST_F(TextureSheetTest, UnknownNameGivesTheZeroElement)
 {
     writeFile(mDir + "/a.json", kTwoPictures);

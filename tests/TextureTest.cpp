@@ -224,18 +224,6 @@ TEST_F(TextureGLTest, UploadCallAndStateForEachKind)
     }
 }
 
-TEST_F(TextureGLTest, GLTextureOutlivesTheRAMImageAndDiesWithTheObject)
-{
-    std::unique_ptr<CTexture> t = nibblePalette(PAL_PALETTE4);
-    t->InitGLTexture();
-    t->DeleteRAMTexture();
-    const GLuint id = t->glTextureId;
-    drawTexturedQuad(id, 16, 16);
-    expectPattern("after dropping the RAM image");
-    t.reset();
-    EXPECT_FALSE(glIsTexture(id));
-}
-
 TEST_F(TextureGLTest, UploadWithoutRAMImageMakesAnEmptyTexture)
 {
     AssertCapture asserts;

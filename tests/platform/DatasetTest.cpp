@@ -50,13 +50,6 @@ struct Files
     }
 };
 
-uint32_t word(const void* p)
-{
-    uint32_t v;
-    memcpy(&v, p, 4);
-    return v;
-}
-
 TEST(Dataset, FixesPointersBelow4GiB)
 {
     Files files;
@@ -83,15 +76,6 @@ TEST(Dataset, FixesPointersBelow4GiB)
     EXPECT_FALSE(d->contains(base - 1, 1));
     EXPECT_FALSE(d->contains(base, 41));
     EXPECT_FALSE(d->contains(base + 8, size_t(-1)));
-}
-
-TEST(Dataset, EmptyRelinkFileIsValid)
-{
-    Files files;
-    files.write(Words{CDataset::kMagic, CDataset::kVersion, 12, 7}, Words{});
-    boost::shared_ptr<CDataset> d = LoadDataset(files.dset.c_str(), files.relink.c_str());
-    ASSERT_TRUE(d);
-    EXPECT_EQ(word(d->data), 7u);
 }
 
 std::string bytes(const Words& w) { return std::string(reinterpret_cast<const char*>(w.data()), w.size() * 4); }
