@@ -25,7 +25,7 @@ SOURCES = ["Zephrin2D/Src", "Platform/src"]
 LIBRARIES = ["Zephrin2D", "Zephrin2DPlatform"]
 # Long runs that add nothing a mutant of the libraries could change the
 # verdict of: the soak, the installed tree and the X11 viewer.
-DEFAULT_EXCLUDE = "soak|install|viewer"
+DEFAULT_EXCLUDE = "[Ss]oak|install|viewer"
 
 SWAPS = {"<": "<=", "<=": "<", ">": ">=", ">=": ">", "==": "!=", "!=": "==",
          "+": "-", "-": "+", "*": "/", "/": "*", "&&": "||", "||": "&&",
