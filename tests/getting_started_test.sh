@@ -11,7 +11,9 @@ if [ "${1:-}" = "--window" ]; then
   command -v xvfb-run >/dev/null 2>&1 || { echo "xvfb-run missing"; exit 77; }
   xvfb-run -a -s "-screen 0 640x480x24" "$PROGRAM" --window || { echo "program failed"; exit 1; }
 else
-  "$PROGRAM" || { echo "program failed"; exit 1; }
+  # A program that works says nothing on standard error.
+  env -u ZEPHRIN2D_DEBUG_LEVEL "$PROGRAM" 2> stderr.txt || { cat stderr.txt; echo "program failed"; exit 1; }
+  [ ! -s stderr.txt ] || { cat stderr.txt; echo "the program wrote on standard error"; exit 1; }
 fi
 [ -s "$PICTURE" ] || { echo "no $PICTURE written"; exit 1; }
 if [ "${ZEPHRIN2D_UPDATE_PICTURES:-}" = 1 ]; then

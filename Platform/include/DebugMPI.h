@@ -11,8 +11,10 @@ namespace Vell {
 ///
 /// A message is printed on standard error when its level is at or below
 /// the current debug level (0 silent ... 5 most verbose). The starting level
-/// comes from ZEPHRIN2D_DEBUG_LEVEL and defaults to 2. The level is shared
-/// by every channel of the process.
+/// comes from ZEPHRIN2D_DEBUG_LEVEL and defaults to 1, so a program that
+/// works says nothing: problems are level 1, "CGraphics2D::init()" and
+/// "CGraphics2D::cleanup()" level 2. The level is shared by every channel
+/// of the process.
 class CDebugMPI
 {
 public:
@@ -27,10 +29,7 @@ public:
 
     void SetDebugLevel(int level);
     int GetDebugLevel() const;
-    /// Sets the level unless ZEPHRIN2D_DEBUG_LEVEL gives one. A program that
-    /// should say nothing while it works calls SetDefaultDebugLevel(1) first:
-    /// the "CGraphics2D::init()" and "CGraphics2D::cleanup()" lines are
-    /// level 2; problems are level 1, and the variable still raises the level.
+    /// Sets the level unless ZEPHRIN2D_DEBUG_LEVEL gives one.
     static void SetDefaultDebugLevel(int level);
     int GetModule() const { return mModule; }
 

@@ -23,7 +23,7 @@ bool levelFromEnvironment(int& level)
 
 int initialLevel()
 {
-    int level = 2;
+    int level = 1;
     levelFromEnvironment(level);
     return level;
 }

@@ -5,7 +5,6 @@
 #include "Verify.h"
 
 #include "CGraphics2D.h"
-#include <DebugMPI.h>
 
 #include <SystemData.h>
 
@@ -46,8 +45,6 @@ static void usage(FILE* out)
 
 int main(int argc, char** argv)
 {
-    // Quiet while it works; ZEPHRIN2D_DEBUG_LEVEL asks for more.
-    Tadwick::Vell::CDebugMPI::SetDefaultDebugLevel(1);
     std::string input, output, costume, sheet;
     bool verify = false;
     for (int i = 1; i < argc; ++i) {

@@ -3,7 +3,6 @@
 #include "DsetSource.h"
 #include "LoadReport.h"
 
-#include <DebugMPI.h>
 #include <QJN.h>
 
 #include <cstdio>
@@ -33,8 +32,6 @@ static void usage(FILE* out)
 
 int main(int argc, char** argv)
 {
-    // Quiet while it works; ZEPHRIN2D_DEBUG_LEVEL asks for more.
-    Tadwick::Vell::CDebugMPI::SetDefaultDebugLevel(1);
     std::string path, kind;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];

@@ -9,7 +9,6 @@
 #include "LoadReport.h"
 
 #include "CGraphics2D.h"
-#include <DebugMPI.h>
 #include <VellOpenGLConfig.h>
 
 #include <algorithm>
@@ -299,8 +298,6 @@ int run(const tOptions& options, Demo& demo)
 
 int main(int argc, char** argv)
 {
-    // Quiet while it works; ZEPHRIN2D_DEBUG_LEVEL asks for more.
-    Tadwick::Vell::CDebugMPI::SetDefaultDebugLevel(1);
     tOptions options;
     if (!parseOptions(argc, argv, options))
         return 2;

@@ -13,7 +13,6 @@
 
 #include "CGraphics2D.h"
 
-#include <DebugMPI.h>
 #include <VellOpenGLConfig.h>
 
 #include <cstdio>
@@ -86,8 +85,6 @@ tOptions parse(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    // Quiet while it works; ZEPHRIN2D_DEBUG_LEVEL asks for more.
-    Tadwick::Vell::CDebugMPI::SetDefaultDebugLevel(1);
     const tOptions o = parse(argc, argv);
     // Mesa's multi-threaded rasterizer keeps a pool of frames in flight whose
     // size follows the machine's load, which moves the driver's memory in

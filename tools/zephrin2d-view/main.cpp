@@ -8,7 +8,6 @@
 #include "CGraphics2D.h"
 #include "CText.h"
 
-#include <DebugMPI.h>
 #include <VellOpenGLConfig.h>
 
 #include <X11/Xlib.h>
@@ -269,8 +268,6 @@ int view(const tOptions& o)
 
 int main(int argc, char** argv)
 {
-    // Quiet while it works; ZEPHRIN2D_DEBUG_LEVEL asks for more.
-    Tadwick::Vell::CDebugMPI::SetDefaultDebugLevel(1);
     tOptions options;
     bool help = false;
     if (!parse(argc, argv, options, help))
