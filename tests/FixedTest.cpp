@@ -65,6 +65,23 @@ TEST(Fixed, SineWithinTwoUnitsEverywhere)
     }
 }
 
+TEST(Fixed, SineTableIsRoundedQuarterDegrees)
+{
+    for (int i = 0; i < 360; ++i)
+        EXPECT_EQ(sin_table[i], std::lround(std::sin(i * 0.25 * M_PI / 180.0) * 65536.0)) << "entry " << i;
+}
+
+TEST(Fixed, SqrtIsFloorOfTrueRoot)
+{
+    for (uint32_t v : {0u, 1u, 2u, 3u, 0xFFFFu, 0x10000u, 0x12345u, 0x20000u, 0x40000u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
+        const unsigned __int128 n = static_cast<unsigned __int128>(v) << 16;
+        uint64_t r = static_cast<uint64_t>(std::sqrt(static_cast<long double>(v) * 65536.0L));
+        while (static_cast<unsigned __int128>(r) * r > n) --r;
+        while (static_cast<unsigned __int128>(r + 1) * (r + 1) <= n) ++r;
+        EXPECT_EQ(static_cast<uint32_t>(sqrt(raw(static_cast<int32_t>(v))).raw()), r) << std::hex << v;
+    }
+}
+
 TEST(Matrix23, TransformsTable)
 {
     struct
