@@ -20,6 +20,7 @@ TEST_F(Graphics2DTest, ClearColourIsShiftedNotScaled)
 {
     CGraphics2D::Instance()->clearBuffer();
     EXPECT_EQ(pixel(10, 10), (tColor{254, 0, 128, 254})) << "0x8000 is exactly 0.5";
+    EXPECT_TRUE(CGraphics2D::Instance()->swapBuffer());
 }
 
 TEST_F(Graphics2DTest, SecondInitChangesNothing)

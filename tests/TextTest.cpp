@@ -59,10 +59,28 @@ TEST_F(TextTest, RebuildsOnlyWhenASettingChanged)
     GLRecorder::clear();
     CDrawManager::Instance()->drawAll();
     EXPECT_EQ(GLRecorder::count("glTexImage2D"), 0u);
-    t->setText("Hello again");
-    EXPECT_EQ(GLRecorder::count("glTexImage2D"), 1u) << "a registered text is rebuilt at once";
+    struct { const char* setting; std::function<void()> change; } settings[] = {
+        {"text", [&] { t->setText("Hello again"); }},
+        {"font", [&] { t->setFont("DejaVu Serif"); }},
+        {"size", [&] { t->setSize(15); }},
+        {"colour", [&] { t->setColor(tColor{255, 255, 255, 128}); }},
+        {"debug textures on", [&] { t->showDebugTextures(true); }},
+        {"debug textures off", [&] { t->showDebugTextures(false); }},
+    };
+    for (const auto& s : settings) {
+        GLRecorder::clear();
+        s.change();
+        EXPECT_EQ(GLRecorder::count("glTexImage2D"), 1u) << "a registered text is rebuilt at once: " << s.setting;
+    }
+    GLRecorder::clear();
     t->moveTo(tVect2{tFixed(3), tFixed(4)});
-    EXPECT_EQ(GLRecorder::count("glTexImage2D"), 1u) << "moving is not a text setting";
+    EXPECT_EQ(GLRecorder::count("glTexImage2D"), 0u) << "moving is not a text setting";
+    frame();
+    const ImageIO::tImage shot = readFrame();
+    int brightest = 0;
+    for (size_t i = 0; i < shot.rgba.size(); i += 4)
+        brightest = std::max<int>(brightest, shot.rgba[i]);
+    EXPECT_NEAR(brightest, 128, 24) << "the colour's alpha reaches the glyphs";
     CDrawManager::Instance()->remove(t);
 }
 

@@ -116,6 +116,9 @@ TEST_F(Font, InvalidUtf8AndOddStringsAreSafe)
     }
     EXPECT_EQ(fonts.GetStringRect("a\xff" "b").right, fonts.GetStringRect("ab").right);
     EXPECT_EQ(fonts.GetStringRect("\xed\xa0\x80").right, 0);
+    // Valid at the edges: a character that ends the string, the code point just below the surrogates.
+    EXPECT_GT(fonts.GetStringRect("a\xc3\xa9").right, fonts.GetStringRect("a").right);
+    EXPECT_GT(fonts.GetStringRect("\xed\x9f\xbf").right, 0);
 }
 
 TEST_F(Font, HandlesAndBadInput)
