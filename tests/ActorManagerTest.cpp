@@ -74,6 +74,7 @@ TEST(ActorManagerTest, RemovingFromInsideUpdateWaitsForTheWalk)
     a->onUpdate = [&manager, &a](CountingActor*) { manager.remove(a); a.reset(); };
     manager.add(a);
     manager.add(b);
+    manager.draw(); // a finished walk leaves nothing behind
     manager.update(1);
     EXPECT_TRUE(weakA.expired());
     EXPECT_EQ(b->updates, 1);

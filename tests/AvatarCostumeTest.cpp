@@ -104,6 +104,8 @@ TEST_F(AvatarCostumeTest, PiecesAndFallbacks)
 
     costume.setLOD(100);
     EXPECT_EQ(costume.getAvatarTexturePiece("head", "round").lodSize, 128) << "an unloaded LOD maps like a request";
+    EXPECT_FALSE(debug.has("CAvatarCostume::getAvatarTexturePiece - could not find variation round of component head.  "
+                           "Falling back on variation 0.\n")) << "the first variation is found by its name";
 }
 
 TEST_F(AvatarCostumeTest, MissingDatasetIsReported)

@@ -36,9 +36,8 @@ TEST(QJN, LoadReadsFilesAndReportsMissingOnes)
     unlink(path.c_str());
 
     ErrorMessages messages;
-    QJN::CJSonFile missing(path);
-    EXPECT_FALSE(missing.Load());
-    EXPECT_TRUE(missing.getRoot().isNull());
+    EXPECT_FALSE(file.Load());
+    EXPECT_TRUE(file.getRoot().isNull()) << "a failed load leaves no old root behind";
     EXPECT_EQ(messages.text, "QJN::CJSonFile::Load - could not read " + path + "\n");
     QJN::CJSonFile directory(Z2D_BINARY_DIR);
     EXPECT_FALSE(directory.Load());
