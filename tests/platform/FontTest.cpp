@@ -103,6 +103,16 @@ TEST_F(Font, ClipsAtEveryEdgeWithoutOverrun)
     EXPECT_GT(s.inked(), 0) << "partly visible text is drawn";
 }
 
+TEST_F(Font, MonochromeGivesHardEdges)
+{
+    fonts.SetFontAttr(attr(0xFF000000, 0));
+    Surface s(64, 32);
+    ASSERT_TRUE(fonts.DrawString("Sao", 2, 2, &s.surf));
+    EXPECT_GT(s.inked(), 20);
+    for (size_t i = 3; i < s.pixels.size(); i += 4)
+        ASSERT_TRUE(s.pixels[i] == 0 || s.pixels[i] == 255);
+}
+
 TEST_F(Font, InvalidUtf8AndOddStringsAreSafe)
 {
     const std::string bad[] = {"\xff\xfe", "a\xc3", "\xe2\x82", "\xed\xa0\x80x", "\xf4\x90\x80\x80",
