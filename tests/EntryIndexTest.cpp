@@ -19,12 +19,12 @@ TEST(EntryIndexTest, FindsWhatRemainsAfterErasures)
     for (const auto& c : cases) {
         std::vector<tFakeEntry> entries(300);
         const boost::shared_ptr<int> shared = boost::make_shared<int>(0);
-        tEntryIndex<tFakeEntry> index;
+        tEntryIndex<std::vector<tFakeEntry> > index(entries);
         for (size_t i = 0; i < entries.size(); ++i) {
             // Pairs share an element or a chunk, as copies of an element share chunks.
             entries[i].element = i % 2 ? shared : boost::make_shared<int>(int(i));
             entries[i].chunk = i % 2 == 0 && i % 3 ? shared : boost::make_shared<int>(int(i));
-            index.insert(&entries[i]);
+            index.insert(static_cast<uint32_t>(i));
         }
         std::vector<bool> present(entries.size(), true);
         for (size_t i = c.offset; i < entries.size(); i += c.stride) {
@@ -33,13 +33,13 @@ TEST(EntryIndexTest, FindsWhatRemainsAfterErasures)
         }
         for (size_t i = 0; i < entries.size(); i += 5)
             if (!present[i]) {
-                index.insert(&entries[i]);
+                index.insert(static_cast<uint32_t>(i));
                 present[i] = true;
             }
         size_t count = 0;
         for (size_t i = 0; i < entries.size(); ++i) {
-            const tFakeEntry* found = index.find(entries[i].element.get(), entries[i].chunk.get());
-            EXPECT_EQ(present[i] ? &entries[i] : 0, found) << "stride " << c.stride << " entry " << i;
+            const uint32_t found = index.find(entries[i].element.get(), entries[i].chunk.get());
+            EXPECT_EQ(present[i] ? i : size_t(index.NOT_FOUND), found) << "stride " << c.stride << " entry " << i;
             count += present[i];
         }
         EXPECT_EQ(count, index.size());

@@ -5,6 +5,7 @@
 #include "CDrawList.h"
 #include "CGraphicElement.h"
 #include "tEntryIndex.h"
+#include "tEntryPool.h"
 #include "tVertexStream.h"
 
 #include <BaseUtils.h>
@@ -16,7 +17,8 @@
 #include <boost/make_shared.hpp>
 #include <vector>
 
-/// What a chunk draw list keeps for each (element, chunk) pair it accepted.
+/// What a chunk draw list keeps for each (element, chunk) pair it accepted
+/// (48 bytes for a textured chunk: the flags share a word with the order).
 template <class Chunk>
 struct tChunkEntry
 {
@@ -27,18 +29,18 @@ struct tChunkEntry
     uint16_t vertexOffset;
     /// First index of the chunk in the list's index buffer (lists that draw indexed).
     uint16_t indexOffset;
-    /// The vertices must be re-transformed and re-uploaded.
-    bool dirty;
-    /// The texture coordinates must be re-uploaded too.
-    bool texCoordsDirty;
     /// Counts as accepted; a chunk changed in place afterwards cannot overrun the buffers.
     uint16_t vertexCount;
     uint16_t indexCount;
-    bool visible;
     /// Element z plus the chunk's first vertex z, as of the last buffering.
     int32_t depth;
-    /// Acceptance order: equal depths draw in it.
-    uint32_t order;
+    /// Acceptance order, unique in the list: equal depths draw in it.
+    uint32_t order : 29;
+    /// The vertices must be re-transformed and re-uploaded.
+    bool dirty : 1;
+    /// The texture coordinates must be re-uploaded too.
+    bool texCoordsDirty : 1;
+    bool visible : 1;
 };
 
 /// The bookkeeping every draw list of one GL texture shares: the accepted
@@ -46,7 +48,8 @@ struct tChunkEntry
 /// vertex buffer), the visible ones in draw order, the hidden ones, a
 /// lookup by pair, and the vertex uploads, which rewrite only what changed.
 ///
-/// Removed entries are kept for the next add and the lookup table only
+/// Entries live in a pool of blocks that share a control block each; a
+/// removed entry's slot serves the next add and the lookup table only
 /// grows, so that a steady exchange of chunks (an actor changing cel)
 /// allocates nothing.
 /// Subclasses write an entry's vertices and draw.
@@ -101,13 +104,13 @@ public:
     size_t getHiddenEntryCount() const { return mHiddenEntries.size(); }
 
 protected:
-    /// A weak reference with what sorting and lookups need without locking it.
+    /// A weak reference with what sorting and lookups need without locking it
+    /// (the entry's order, unique in the list, identifies it).
     struct tEntryRef
     {
         boost::weak_ptr<tEntry> entry;
         int32_t depth;
         uint32_t order;
-        uint16_t indexCount;
     };
     static constexpr size_t MAX_COUNT = 65535;
 
@@ -116,7 +119,7 @@ protected:
         : mTranslucent(false), mHasTexture(false), mTextureId(0), mVertexBuffer(0), mTexCoordBuffer(0),
           mBufferedVertexCount(0), mVertexCount(0), mVerticesDirty(false), mIndexCount(0), mHiddenIndexCount(0),
           mIndicesDirty(false), mAlphaCursor(0), mOrderDirty(false), mSortedFrontToBack(false), mRewriteFrom(NONE),
-          mNextOrder(0), mMessages(messages), mTexCoords(texCoords)
+          mNextOrder(0), mIndex(mPool), mMessages(messages), mTexCoords(texCoords)
     {
     }
 
@@ -132,7 +135,8 @@ protected:
     /// The pair's entry, or none.
     tEntry* find(const boost::shared_ptr<CGraphicElement>& element, const boost::shared_ptr<CDrawChunk>& chunk) const
     {
-        return mIndex.find(element.get(), chunk.get());
+        const tSlot slot = mIndex.find(element.get(), chunk.get());
+        return slot == tIndex::NOT_FOUND ? 0 : &mPool[slot];
     }
     void markDirty(const boost::shared_ptr<CGraphicElement>& element, const boost::shared_ptr<CDrawChunk>& chunk,
                    bool texCoords);
@@ -167,22 +171,27 @@ protected:
     bool mSortedFrontToBack;
 
 private:
+    typedef tEntryPool<tEntry> tPool;
+    typedef tEntryIndex<tPool> tIndex;
+    typedef typename tPool::tSlot tSlot;
     static constexpr size_t NONE = static_cast<size_t>(-1);
-    /// Spare entries a list keeps at most.
-    static constexpr size_t MAX_SPARES = 1024;
+    /// Orders run below this (29 bits); reaching it renumbers the entries.
+    static constexpr uint32_t ORDER_LIMIT = 1u << 29;
 
     static int32_t depthOf(const tEntry& e);
-    /// Grows by half instead of doubling: a list's vectors hold one or two
-    /// references per entry, and doubling leaves up to half of them unused.
+    /// Grows by an eighth instead of doubling: a list's vectors hold one or
+    /// two references per entry, and doubling leaves up to half of them
+    /// unused. Growth happens as entries are added, never in a frame.
     template <class V> static void reserveOneMore(V& v)
     {
         if (v.size() == v.capacity())
-            v.reserve(v.size() + v.size() / 2 + 1);
+            v.reserve(v.size() + v.size() / 8 + 1);
     }
     static tEntryRef refTo(const boost::shared_ptr<tEntry>& entry);
     /// Takes the entry's reference out of refs.
-    static tEntryRef takeRef(std::vector<tEntryRef>& refs, const boost::shared_ptr<tEntry>& entry);
-    boost::shared_ptr<tEntry> sharedEntry(const tEntry* entry) const;
+    static tEntryRef takeRef(std::vector<tEntryRef>& refs, const tEntry& entry);
+    /// The next acceptance order; renumbers the entries when the orders run out.
+    uint32_t nextOrder();
     bool holdsTexture(const boost::shared_ptr<CDrawChunk>& chunk) const;
     bool setVisible(const boost::shared_ptr<CGraphicElement>& element, const boost::shared_ptr<CDrawChunk>& chunk,
                     bool visible);
@@ -194,8 +203,8 @@ private:
     /// Entries from this one on moved in the vertex buffer and are rewritten whole.
     size_t mRewriteFrom;
     uint32_t mNextOrder;
-    tEntryIndex<tEntry> mIndex;
-    std::vector<boost::shared_ptr<tEntry> > mSpareEntries;
+    tPool mPool;
+    tIndex mIndex;
     tMessages mMessages;
     bool mTexCoords;
 };

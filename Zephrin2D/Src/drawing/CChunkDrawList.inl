@@ -17,16 +17,15 @@ CChunkDrawList<Entry, Chunk>::refTo(const boost::shared_ptr<tEntry>& entry)
     ref.entry = entry;
     ref.depth = entry->depth;
     ref.order = entry->order;
-    ref.indexCount = entry->indexCount;
     return ref;
 }
 
 template <class Entry, class Chunk>
 typename CChunkDrawList<Entry, Chunk>::tEntryRef
-CChunkDrawList<Entry, Chunk>::takeRef(std::vector<tEntryRef>& refs, const boost::shared_ptr<tEntry>& entry)
+CChunkDrawList<Entry, Chunk>::takeRef(std::vector<tEntryRef>& refs, const tEntry& entry)
 {
     for (size_t i = 0; i < refs.size(); ++i)
-        if (!refs[i].entry.owner_before(entry) && !entry.owner_before(refs[i].entry)) {
+        if (refs[i].order == entry.order) {
             const tEntryRef ref = refs[i];
             refs.erase(refs.begin() + i);
             return ref;
@@ -35,12 +34,20 @@ CChunkDrawList<Entry, Chunk>::takeRef(std::vector<tEntryRef>& refs, const boost:
 }
 
 template <class Entry, class Chunk>
-boost::shared_ptr<Entry> CChunkDrawList<Entry, Chunk>::sharedEntry(const tEntry* entry) const
+uint32_t CChunkDrawList<Entry, Chunk>::nextOrder()
 {
-    for (size_t i = 0; i < mEntries.size(); ++i)
-        if (mEntries[i].get() == entry)
-            return mEntries[i];
-    return boost::shared_ptr<tEntry>();
+    if (mNextOrder >= ORDER_LIMIT) {
+        // The entries are in acceptance order: their positions are their new orders.
+        for (size_t i = 0; i < mEntries.size(); ++i)
+            mEntries[i]->order = static_cast<uint32_t>(i);
+        std::vector<tEntryRef>* const refs[2] = {&mSortedEntries, &mHiddenEntries};
+        for (int r = 0; r < 2; ++r)
+            for (size_t i = 0; i < refs[r]->size(); ++i)
+                if (boost::shared_ptr<tEntry> e = (*refs[r])[i].entry.lock())
+                    (*refs[r])[i].order = e->order;
+        mNextOrder = static_cast<uint32_t>(mEntries.size());
+    }
+    return mNextOrder++;
 }
 
 template <class Entry, class Chunk>
@@ -74,7 +81,8 @@ bool CChunkDrawList<Entry, Chunk>::add(boost::shared_ptr<CGraphicElement> elemen
         return true;
     const size_t vertexCount = typed->getVertices().size();
     const size_t indexCount = indexCountOf(*typed);
-    if (mVertexCount + vertexCount > MAX_COUNT || mIndexCount + mHiddenIndexCount + indexCount > MAX_COUNT)
+    if (mVertexCount + vertexCount > MAX_COUNT || mIndexCount + mHiddenIndexCount + indexCount > MAX_COUNT ||
+        mPool.fullAt(tIndex::MAX_SLOT))
         return false;
     if (!mHasTexture) {
         BaseUtils::Assert(typed->getTextureId() != 0, mMessages.file, __LINE__, mMessages.noTexture);
@@ -83,13 +91,8 @@ bool CChunkDrawList<Entry, Chunk>::add(boost::shared_ptr<CGraphicElement> elemen
         mHasTexture = true;
     }
 
-    boost::shared_ptr<tEntry> entry;
-    if (!mSpareEntries.empty()) {
-        entry = mSpareEntries.back();
-        mSpareEntries.pop_back();
-    } else {
-        entry = boost::make_shared<tEntry>();
-    }
+    const tSlot slot = mPool.take();
+    const boost::shared_ptr<tEntry> entry = mPool.shared(slot);
     entry->element = element;
     entry->chunk = typed;
     entry->vertexOffset = mVertexCount;
@@ -100,11 +103,11 @@ bool CChunkDrawList<Entry, Chunk>::add(boost::shared_ptr<CGraphicElement> elemen
     entry->indexCount = static_cast<uint16_t>(indexCount);
     entry->visible = element->getVisibility();
     entry->depth = depthOf(*entry);
-    entry->order = mNextOrder++;
+    entry->order = nextOrder();
     entryAdded(*entry);
     reserveOneMore(mEntries);
     mEntries.push_back(entry);
-    mIndex.insert(entry.get());
+    mIndex.insert(slot);
     mVertexCount = static_cast<uint16_t>(mVertexCount + vertexCount);
     if (entry->visible) {
         reserveOneMore(mSortedEntries);
@@ -128,9 +131,10 @@ bool CChunkDrawList<Entry, Chunk>::remove(boost::shared_ptr<CGraphicElement> ele
 {
     if (!holdsTexture(chunk))
         return false;
-    tEntry* const found = find(element, chunk);
-    if (!found)
+    const tSlot slot = mIndex.find(element.get(), chunk.get());
+    if (slot == tIndex::NOT_FOUND)
         return false;
+    tEntry* const found = &mPool[slot];
     mVertexCount = static_cast<uint16_t>(mVertexCount - found->vertexCount);
     mIndex.erase(element.get(), chunk.get());
 
@@ -145,20 +149,17 @@ bool CChunkDrawList<Entry, Chunk>::remove(boost::shared_ptr<CGraphicElement> ele
         if (mEntries[i].get() != found && mEntries[i]->chunk == chunk)
             chunkStillHeld = true;
     }
-    const boost::shared_ptr<tEntry> entry = mEntries[position];
     mEntries.erase(mEntries.begin() + position);
-    if (entry->visible) {
-        mIndexCount = static_cast<uint16_t>(mIndexCount - entry->indexCount);
-        takeRef(mSortedEntries, entry);
+    if (found->visible) {
+        mIndexCount = static_cast<uint16_t>(mIndexCount - found->indexCount);
+        takeRef(mSortedEntries, *found);
     } else {
-        mHiddenIndexCount = static_cast<uint16_t>(mHiddenIndexCount - entry->indexCount);
-        takeRef(mHiddenEntries, entry);
+        mHiddenIndexCount = static_cast<uint16_t>(mHiddenIndexCount - found->indexCount);
+        takeRef(mHiddenEntries, *found);
     }
-    if (entry.use_count() == 1 && mSpareEntries.size() < MAX_SPARES) {
-        entry->element.reset();
-        entry->chunk.reset();
-        mSpareEntries.push_back(entry);
-    }
+    found->element.reset();
+    found->chunk.reset();
+    mPool.release(slot);
     if (position < mEntries.size()) {
         mRewriteFrom = std::min(mRewriteFrom, position);
         mVerticesDirty = true;
@@ -177,20 +178,21 @@ bool CChunkDrawList<Entry, Chunk>::setVisible(const boost::shared_ptr<CGraphicEl
 {
     if (!holdsTexture(chunk))
         return false;
-    tEntry* const found = find(element, chunk);
-    if (!found)
+    tEntry* const entry = find(element, chunk);
+    if (!entry)
         return false;
-    if (found->visible == visible)
+    if (entry->visible == visible)
         return true;
-    const boost::shared_ptr<tEntry> entry = sharedEntry(found);
     entry->visible = visible;
     if (visible) {
-        mSortedEntries.push_back(takeRef(mHiddenEntries, entry));
+        reserveOneMore(mSortedEntries);
+        mSortedEntries.push_back(takeRef(mHiddenEntries, *entry));
         mHiddenIndexCount = static_cast<uint16_t>(mHiddenIndexCount - entry->indexCount);
         mIndexCount = static_cast<uint16_t>(mIndexCount + entry->indexCount);
         mOrderDirty = true;
     } else {
-        mHiddenEntries.push_back(takeRef(mSortedEntries, entry));
+        reserveOneMore(mHiddenEntries);
+        mHiddenEntries.push_back(takeRef(mSortedEntries, *entry));
         mIndexCount = static_cast<uint16_t>(mIndexCount - entry->indexCount);
         mHiddenIndexCount = static_cast<uint16_t>(mHiddenIndexCount + entry->indexCount);
     }
@@ -218,7 +220,7 @@ void CChunkDrawList<Entry, Chunk>::clear()
             mEntries[i]->chunk->setDrawList(boost::weak_ptr<CDrawList>());
     mEntries.clear();
     mIndex.clear();
-    mSpareEntries.clear();
+    mPool.clear();
     mSortedEntries.clear();
     mHiddenEntries.clear();
     mAlphaCursor = 0;

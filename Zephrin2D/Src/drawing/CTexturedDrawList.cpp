@@ -13,6 +13,10 @@ const CChunkDrawList<tElementTexturedChunkPairEntryStruct, CTexturedChunk>::tMes
 
 } // namespace
 
+// A billboard's entry is one of 48 bytes in the list's pool (see tChunkEntry).
+static_assert(sizeof(tElementTexturedChunkPairEntryStruct) <= 2 * sizeof(boost::shared_ptr<int>) + 16,
+              "entry grew");
+
 CTexturedDrawList::CTexturedDrawList()
     : CChunkDrawList(kMessages, true), mIndexBuffers{0, 0}, mNextIndexBuffer(0), mBufferedIndexCount(0)
 {
@@ -72,7 +76,8 @@ size_t CTexturedDrawList::uploadIndices(size_t first, size_t last, size_t count,
     bool countsMatch = true;
     bool inRange = true;
     {
-        tIndexStream stream(allocate ? count : 0);
+        // An unknown count (a translucent depth) sizes the buffer by what is written.
+        tIndexStream stream(allocate && count != UNKNOWN_COUNT ? count : 0, allocate ? mIndexCount : 0);
         for (size_t r = first; r < last; ++r) {
             boost::shared_ptr<tEntry> e = mSortedEntries[r].entry.lock();
             if (!e)
@@ -94,7 +99,7 @@ size_t CTexturedDrawList::uploadIndices(size_t first, size_t last, size_t count,
             written += e->indexCount;
         }
     }
-    BaseUtils::Assert(countsMatch && written == count, kMessages.file, __LINE__,
+    BaseUtils::Assert(countsMatch && (written == count || count == UNKNOWN_COUNT), kMessages.file, __LINE__,
                       allocate ? "CTexturedDrawList::bufferIndices 1 index count mismatch"
                                : "CTexturedDrawList::bufferIndices 3 index count mismatch");
     BaseUtils::Assert(inRange, kMessages.file, __LINE__,
@@ -164,15 +169,17 @@ int CTexturedDrawList::drawZDepth(int z)
 {
     const size_t first = std::min(mAlphaCursor, mSortedEntries.size());
     size_t last = first;
-    size_t count = 0;
     while (last < mSortedEntries.size() && mSortedEntries[last].depth == z)
-        count += mSortedEntries[last++].indexCount;
-    if (count > 0 && mIndexBuffers[1]) {
+        ++last;
+    if (last > first && mIndexBuffers[1]) {
         const GLuint buffer = mIndexBuffers[mNextIndexBuffer];
         mNextIndexBuffer ^= 1;
         glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, buffer);
-        uploadIndices(first, last, count, true);
-        bindAndDraw(buffer, count);
+        const size_t count = uploadIndices(first, last, UNKNOWN_COUNT, true);
+        if (count > 0)
+            bindAndDraw(buffer, count);
+        else
+            glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
     }
     mAlphaCursor = last;
     return last < mSortedEntries.size() ? mSortedEntries[last].depth : NO_MORE_DEPTHS;

@@ -38,7 +38,9 @@ private:
     bool streamEntry(tVertexStream& stream, tEntry& entry) override;
     size_t indexCountOf(const CTexturedChunk& chunk) const override { return chunk.getIndices().size(); }
     void bufferIndices();
-    /// Writes the indices of sorted entries [first, last) into the bound element buffer; returns how many.
+    static constexpr size_t UNKNOWN_COUNT = static_cast<size_t>(-1);
+    /// Writes the indices of sorted entries [first, last), count of them or
+    /// UNKNOWN_COUNT, into the bound element buffer; returns how many.
     size_t uploadIndices(size_t first, size_t last, size_t count, bool allocate);
     void bindAndDraw(GLuint indexBuffer, size_t count);
     void deleteIndexBuffers();

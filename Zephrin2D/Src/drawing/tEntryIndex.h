@@ -6,32 +6,39 @@
 #include <vector>
 
 /// A draw list's lookup of its entries by (element, chunk) pair: an open
-/// addressing table of entry pointers, probed linearly, keyed by the
-/// entry's own element and chunk. One pointer per slot and no node per
-/// entry; it only grows, so a steady exchange of entries allocates nothing.
-template <class Entry>
+/// addressing table of 16-bit slot numbers into the list's entry pool
+/// (slots 0 to MAX_SLOT), probed linearly, keyed by the entry's own element
+/// and chunk. Two bytes per table slot and no node per entry; it only
+/// grows, so a steady exchange of entries allocates nothing. Pool is
+/// anything whose operator[] gives the entry of a slot number.
+template <class Pool>
 class tEntryIndex
 {
 public:
-    tEntryIndex() : mCount(0), mShift(64) {}
+    typedef uint32_t tSlot;
+    static constexpr tSlot MAX_SLOT = 0xFFFE;
+    static constexpr tSlot NOT_FOUND = 0xFFFFFFFFu;
 
-    Entry* find(const void* element, const void* chunk) const
+    explicit tEntryIndex(const Pool& pool) : mPool(pool), mCount(0), mShift(64) {}
+
+    tSlot find(const void* element, const void* chunk) const
     {
         if (mSlots.empty())
-            return 0;
+            return NOT_FOUND;
         for (size_t i = home(element, chunk);; i = (i + 1) & mask()) {
-            Entry* e = mSlots[i];
-            if (!e || (e->element.get() == element && e->chunk.get() == chunk))
-                return e;
+            if (!mSlots[i])
+                return NOT_FOUND;
+            if (matches(mSlots[i] - 1, element, chunk))
+                return mSlots[i] - 1;
         }
     }
 
-    /// The entry's pair must not be in the table yet.
-    void insert(Entry* entry)
+    /// The slot (at most MAX_SLOT) and its pair must not be in the table yet.
+    void insert(tSlot slot)
     {
         if ((mCount + 1) * 4 > mSlots.size() * 3)
             grow();
-        place(entry);
+        place(static_cast<uint16_t>(slot + 1));
         ++mCount;
     }
 
@@ -40,7 +47,7 @@ public:
         if (mSlots.empty())
             return;
         size_t hole = home(element, chunk);
-        while (mSlots[hole] && !(mSlots[hole]->element.get() == element && mSlots[hole]->chunk.get() == chunk))
+        while (mSlots[hole] && !matches(mSlots[hole] - 1, element, chunk))
             hole = (hole + 1) & mask();
         if (!mSlots[hole])
             return;
@@ -48,7 +55,7 @@ public:
         --mCount;
         // Close the gap: later entries of the run move back unless their home lies after the hole.
         for (size_t i = (hole + 1) & mask(); mSlots[i]; i = (i + 1) & mask()) {
-            const size_t h = home(mSlots[i]->element.get(), mSlots[i]->chunk.get());
+            const size_t h = homeOf(mSlots[i]);
             const bool stays = hole <= i ? (hole < h && h <= i) : (hole < h || h <= i);
             if (!stays) {
                 mSlots[hole] = mSlots[i];
@@ -60,7 +67,7 @@ public:
 
     void clear()
     {
-        std::vector<Entry*>().swap(mSlots);
+        std::vector<uint16_t>().swap(mSlots);
         mCount = 0;
         mShift = 64;
     }
@@ -70,6 +77,11 @@ public:
 private:
     size_t mask() const { return mSlots.size() - 1; }
 
+    bool matches(tSlot slot, const void* element, const void* chunk) const
+    {
+        return mPool[slot].element.get() == element && mPool[slot].chunk.get() == chunk;
+    }
+
     size_t home(const void* element, const void* chunk) const
     {
         const uint64_t k = (reinterpret_cast<uintptr_t>(element) ^
@@ -77,17 +89,23 @@ private:
         return static_cast<size_t>(k >> mShift);
     }
 
-    void place(Entry* entry)
+    /// Home of a stored value (slot number plus one).
+    size_t homeOf(uint16_t stored) const
     {
-        size_t i = home(entry->element.get(), entry->chunk.get());
+        return home(mPool[stored - 1].element.get(), mPool[stored - 1].chunk.get());
+    }
+
+    void place(uint16_t stored)
+    {
+        size_t i = homeOf(stored);
         while (mSlots[i])
             i = (i + 1) & mask();
-        mSlots[i] = entry;
+        mSlots[i] = stored;
     }
 
     void grow()
     {
-        std::vector<Entry*> old;
+        std::vector<uint16_t> old;
         old.swap(mSlots);
         const size_t size = old.empty() ? 8 : old.size() * 2;
         mSlots.assign(size, 0);
@@ -99,7 +117,9 @@ private:
                 place(old[i]);
     }
 
-    std::vector<Entry*> mSlots;
+    const Pool& mPool;
+    /// Slot number plus one; 0 is free.
+    std::vector<uint16_t> mSlots;
     size_t mCount;
     /// 64 minus log2 of the slot count: home() keeps the hash's top bits.
     unsigned mShift;

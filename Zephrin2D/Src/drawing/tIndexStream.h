@@ -13,21 +13,34 @@ public:
     /// Indices per block: what one stream holds on the stack.
     enum { BLOCK = 6144 };
 
-    explicit tIndexStream(size_t allocateTotal) : mStart(0), mCount(0), mAllocateTotal(allocateTotal) {}
-    ~tIndexStream() { flush(); }
+    /// allocateTotal: the buffer is (re)allocated for that many indices (0: it is kept).
+    /// allocateUpTo: without a total, the buffer is allocated for what was
+    /// written when it fits one block, else for allocateUpTo indices.
+    explicit tIndexStream(size_t allocateTotal, size_t allocateUpTo = 0)
+        : mStart(0), mCount(0), mAllocateTotal(allocateTotal), mAllocateUpTo(allocateTotal ? 0 : allocateUpTo)
+    {
+    }
+    ~tIndexStream() { flush(true); }
 
     void put(uint16_t index)
     {
         mIndices[mCount] = index;
         if (++mCount == BLOCK)
-            flush();
+            flush(false);
     }
-    void flush()
+    size_t written() const { return mStart + mCount; }
+
+private:
+    void flush(bool last)
     {
         if (mCount == 0)
             return;
         const size_t size = sizeof(uint16_t);
         bool done = false;
+        if (mAllocateUpTo) {
+            mAllocateTotal = last && mStart == 0 ? mCount : mAllocateUpTo;
+            mAllocateUpTo = 0;
+        }
         if (mAllocateTotal) {
             done = mCount == mAllocateTotal;
             glBufferData(GL_ELEMENT_ARRAY_BUFFER, mAllocateTotal * size, done ? mIndices : 0, GL_DYNAMIC_DRAW);
@@ -39,10 +52,10 @@ public:
         mCount = 0;
     }
 
-private:
     size_t mStart;
     size_t mCount;
     size_t mAllocateTotal;
+    size_t mAllocateUpTo;
     uint16_t mIndices[BLOCK];
 };
 

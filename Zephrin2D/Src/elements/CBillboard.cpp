@@ -38,15 +38,21 @@ void setCoords(CTexturedChunk& chunk, tVect2 c0, tVect2 c3)
     t[3] = tVect2{c3.x, c3.y};
 }
 
+/// A texture's pixel size as the billboard keeps it (tFixed holds no more than 32767 anyway).
+uint16_t pixels(uint32_t size)
+{
+    return static_cast<uint16_t>(size < 0xFFFF ? size : 0xFFFF);
+}
+
 } // namespace
 
-CBillboard::CBillboard() : mWidth(ZERO_X), mHeight(ZERO_X)
+CBillboard::CBillboard() : mWidth(0), mHeight(0)
 {
     mChunks.resize(1);
     init();
 }
 
-CBillboard::CBillboard(const Glib::ustring& path, bool visible) : mWidth(ZERO_X), mHeight(ZERO_X)
+CBillboard::CBillboard(const Glib::ustring& path, bool visible) : mWidth(0), mHeight(0)
 {
     mChunks.resize(1);
     init();
@@ -55,7 +61,7 @@ CBillboard::CBillboard(const Glib::ustring& path, bool visible) : mWidth(ZERO_X)
 }
 
 CBillboard::CBillboard(const Glib::ustring& path, CTextureSheet* sheet, bool visible)
-    : mWidth(ZERO_X), mHeight(ZERO_X)
+    : mWidth(0), mHeight(0)
 {
     mChunks.resize(1);
     init();
@@ -106,9 +112,9 @@ void CBillboard::endChange(const boost::shared_ptr<CTexturedChunk>& changed, boo
 void CBillboard::setWholeTexture(CTexturedChunk& chunk)
 {
     const boost::shared_ptr<CTexture>& texture = chunk.getTexture();
-    mWidth = tFixed(static_cast<int>(texture->imageInfo.width));
-    mHeight = tFixed(static_cast<int>(texture->imageInfo.height));
-    setCorners(chunk, tVect2{ZERO_X, mHeight}, tVect2{mWidth, ZERO_X});
+    mWidth = pixels(texture->imageInfo.width);
+    mHeight = pixels(texture->imageInfo.height);
+    setCorners(chunk, tVect2{ZERO_X, getHeight()}, tVect2{getWidth(), ZERO_X});
     setCoords(chunk, tVect2{ZERO_X, ZERO_X}, tVect2{ONE_X, ONE_X});
 }
 
@@ -158,9 +164,9 @@ bool CBillboard::loadTexture(const Glib::ustring& path, CTextureSheet* sheet)
         return false;
     const bool result = setTexture(e.texture);
     setTextureCoords(e.p1.x, e.p1.y, e.p2.x, e.p2.y);
-    debug().DebugOut(5, "moving registration point to %f, %f.\n", e.p1.x.toDouble(), (mHeight - e.p2.y).toDouble());
+    debug().DebugOut(5, "moving registration point to %f, %f.\n", e.p1.x.toDouble(), (getHeight() - e.p2.y).toDouble());
     const tFixed offX = e.p1.x + e.cropRect[0] + e.reg.x;
-    const tFixed offY = mHeight - (e.p2.y + e.cropRect[3] + e.reg.y);
+    const tFixed offY = getHeight() - (e.p2.y + e.cropRect[3] + e.reg.y);
     std::vector<tVect3>& v = quad()->getVertices();
     for (size_t i = 0; i < v.size(); ++i) {
         v[i].x -= offX;
@@ -198,12 +204,12 @@ void CBillboard::setTextureCoords(tFixed x1, tFixed y1, tFixed x2, tFixed y2)
 {
     bool registered = false;
     boost::shared_ptr<CTexturedChunk> chunk = beginChange(registered);
-    setCorners(*chunk, tVect2{x1, mHeight - y1}, tVect2{x2, mHeight - y2});
-    const bool sized = mWidth != ZERO_X && mHeight != ZERO_X;
+    setCorners(*chunk, tVect2{x1, getHeight() - y1}, tVect2{x2, getHeight() - y2});
+    const bool sized = mWidth != 0 && mHeight != 0;
     BaseUtils::Assert(sized, kFile, __LINE__,
                       "CBillboard::setTextureCoords - Cannot set texture coords, billboard has no size\n");
     if (sized)
-        setCoords(*chunk, tVect2{x1 / mWidth, y1 / mHeight}, tVect2{x2 / mWidth, y2 / mHeight});
+        setCoords(*chunk, tVect2{x1 / getWidth(), y1 / getHeight()}, tVect2{x2 / getWidth(), y2 / getHeight()});
     endChange(chunk, registered);
 }
 
@@ -223,7 +229,7 @@ GLuint CBillboard::getTextureId() const
 
 void CBillboard::draw(tColor*)
 {
-    if (!mVisible || mWidth == ZERO_X || mHeight == ZERO_X)
+    if (!mVisible || mWidth == 0 || mHeight == 0)
         return;
     boost::shared_ptr<CTexturedChunk> chunk = quad();
     glBindTexture(GL_TEXTURE_2D, chunk->getTextureId());

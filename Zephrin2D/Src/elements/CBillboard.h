@@ -5,6 +5,7 @@
 
 #include <GLES/gl.h>
 #include <glibmm/ustring.h>
+#include <stdint.h>
 
 class CTexture;
 class CTexturedChunk;
@@ -51,8 +52,8 @@ public:
     boost::shared_ptr<CTexture> getTexture() const;
     GLuint getTextureId() const;
     /// Pixel size of the whole texture last set (0 when none).
-    tFixed getWidth() const { return mWidth; }
-    tFixed getHeight() const { return mHeight; }
+    tFixed getWidth() const { return tFixed(static_cast<int>(mWidth)); }
+    tFixed getHeight() const { return tFixed(static_cast<int>(mHeight)); }
 
     using CGraphicElement::draw;
     /// Draws the quad at once, outside the draw manager, in the current
@@ -67,8 +68,9 @@ private:
     /// Copy-on-write: a new chunk showing all of texture.
     void showWholeTexture(boost::shared_ptr<CTexture> texture, bool binaryAlpha);
 
-    tFixed mWidth;
-    tFixed mHeight;
+    // Whole pixels in 16 bits, so that a billboard and its control block fit one 160-byte heap block.
+    uint16_t mWidth;
+    uint16_t mHeight;
 };
 
 #endif

@@ -7,15 +7,15 @@
 #include <GLES/gl.h>
 
 CGraphicElement::CGraphicElement()
-    : mMatrixDirty(true), mMatrix(), mPosition(VECT3_0), mReg(VECT2_0), mRotation(ZERO_X),
-      mScale{ONE_X, ONE_X}, mColor{255, 255, 255, 255}, mVisible(true), mDrawManaged(false)
+    : mMatrix(), mPosition(VECT3_0), mReg(VECT2_0), mRotation(ZERO_X), mScale{ONE_X, ONE_X},
+      mColor{255, 255, 255, 255}, mMatrixDirty(true), mVisible(true), mDrawManaged(false)
 {
 }
 
 CGraphicElement::CGraphicElement(const CGraphicElement& other)
-    : boost::enable_shared_from_this<CGraphicElement>(), mMatrixDirty(true), mMatrix(),
-      mPosition(other.mPosition), mReg(other.mReg), mRotation(other.mRotation), mScale(other.mScale),
-      mColor(other.mColor), mVisible(other.mVisible), mChunks(other.mChunks), mDrawManaged(false)
+    : boost::enable_shared_from_this<CGraphicElement>(), mMatrix(), mPosition(other.mPosition), mReg(other.mReg),
+      mRotation(other.mRotation), mScale(other.mScale), mColor(other.mColor), mChunks(other.mChunks),
+      mMatrixDirty(true), mVisible(other.mVisible), mDrawManaged(false)
 {
 }
 

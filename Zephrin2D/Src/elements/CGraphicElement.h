@@ -88,15 +88,18 @@ public:
 protected:
     void applyPlacement();
 
-    bool mMatrixDirty;
     tMatrix23 mMatrix;
     tVect3 mPosition;
     tVect2 mReg;
     tFixed mRotation;
     tVect2 mScale;
     tColor mColor;
-    bool mVisible;
     tChunkList mChunks;
+    // The flags come last and together: no padding within, and a subclass's
+    // small fields fill the rest of the word (a billboard and its control
+    // block then fit one 160-byte heap block).
+    bool mMatrixDirty;
+    bool mVisible;
     bool mDrawManaged;
 };
 
