@@ -179,13 +179,15 @@ private:
     static constexpr uint32_t ORDER_LIMIT = 1u << 29;
 
     static int32_t depthOf(const tEntry& e);
-    /// Grows by an eighth instead of doubling: a list's vectors hold one or
-    /// two references per entry, and doubling leaves up to half of them
-    /// unused. Growth happens as entries are added, never in a frame.
+    /// Doubles up to a kilobyte, then grows by an eighth: a list's vectors
+    /// hold one or two references per entry, and doubling would leave up to
+    /// half of them unused (below a kilobyte, the allocator keeps the blocks
+    /// left behind for reuse, so few sizes are better there). Growth happens
+    /// as entries are added, never in a frame.
     template <class V> static void reserveOneMore(V& v)
     {
         if (v.size() == v.capacity())
-            v.reserve(v.size() + v.size() / 8 + 1);
+            v.reserve(v.size() * sizeof(v[0]) < 1024 ? 2 * v.size() + 2 : v.size() + v.size() / 8);
     }
     static tEntryRef refTo(const boost::shared_ptr<tEntry>& entry);
     /// Takes the entry's reference out of refs.

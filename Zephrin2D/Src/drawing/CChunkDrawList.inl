@@ -92,7 +92,7 @@ bool CChunkDrawList<Entry, Chunk>::add(boost::shared_ptr<CGraphicElement> elemen
     }
 
     const tSlot slot = mPool.take();
-    const boost::shared_ptr<tEntry> entry = mPool.shared(slot);
+    boost::shared_ptr<tEntry> entry = mPool.shared(slot);
     entry->element = element;
     entry->chunk = typed;
     entry->vertexOffset = mVertexCount;
@@ -105,8 +105,6 @@ bool CChunkDrawList<Entry, Chunk>::add(boost::shared_ptr<CGraphicElement> elemen
     entry->depth = depthOf(*entry);
     entry->order = nextOrder();
     entryAdded(*entry);
-    reserveOneMore(mEntries);
-    mEntries.push_back(entry);
     mIndex.insert(slot);
     mVertexCount = static_cast<uint16_t>(mVertexCount + vertexCount);
     if (entry->visible) {
@@ -119,6 +117,8 @@ bool CChunkDrawList<Entry, Chunk>::add(boost::shared_ptr<CGraphicElement> elemen
         mHiddenEntries.push_back(refTo(entry));
         mHiddenIndexCount = static_cast<uint16_t>(mHiddenIndexCount + indexCount);
     }
+    reserveOneMore(mEntries);
+    mEntries.push_back(std::move(entry));
     chunk->setDrawList(weak_from_this());
     mVerticesDirty = true;
     mIndicesDirty = true;

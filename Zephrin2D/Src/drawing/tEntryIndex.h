@@ -6,11 +6,13 @@
 #include <vector>
 
 /// A draw list's lookup of its entries by (element, chunk) pair: an open
-/// addressing table of 16-bit slot numbers into the list's entry pool
-/// (slots 0 to MAX_SLOT), probed linearly, keyed by the entry's own element
-/// and chunk. Two bytes per table slot and no node per entry; it only
-/// grows, so a steady exchange of entries allocates nothing. Pool is
-/// anything whose operator[] gives the entry of a slot number.
+/// addressing table, probed linearly and at most three quarters full, of
+/// 32-bit values: the entry's slot number in the list's pool (slots 0 to
+/// MAX_SLOT) and the top 16 bits of the pair's hash, so that a probe looks
+/// at the pool only when the hashes agree, and a table of up to 65536 values
+/// rehashes without it. No node per entry; the table only grows, so a steady
+/// exchange of entries allocates nothing. Pool is anything whose operator[]
+/// gives the entry of a slot number.
 template <class Pool>
 class tEntryIndex
 {
@@ -23,14 +25,8 @@ public:
 
     tSlot find(const void* element, const void* chunk) const
     {
-        if (mSlots.empty())
-            return NOT_FOUND;
-        for (size_t i = home(element, chunk);; i = (i + 1) & mask()) {
-            if (!mSlots[i])
-                return NOT_FOUND;
-            if (matches(mSlots[i] - 1, element, chunk))
-                return mSlots[i] - 1;
-        }
+        const size_t i = position(element, chunk);
+        return i == NONE ? NOT_FOUND : slotOf(mSlots[i]);
     }
 
     /// The slot (at most MAX_SLOT) and its pair must not be in the table yet.
@@ -38,22 +34,19 @@ public:
     {
         if ((mCount + 1) * 4 > mSlots.size() * 3)
             grow();
-        place(static_cast<uint16_t>(slot + 1));
+        const auto& entry = mPool[slot];
+        place(static_cast<uint32_t>(hash(entry.element.get(), entry.chunk.get()) >> 48 << 16) | (slot + 1));
         ++mCount;
     }
 
     void erase(const void* element, const void* chunk)
     {
-        if (mSlots.empty())
-            return;
-        size_t hole = home(element, chunk);
-        while (mSlots[hole] && !matches(mSlots[hole] - 1, element, chunk))
-            hole = (hole + 1) & mask();
-        if (!mSlots[hole])
+        size_t hole = position(element, chunk);
+        if (hole == NONE)
             return;
         mSlots[hole] = 0;
         --mCount;
-        // Close the gap: later entries of the run move back unless their home lies after the hole.
+        // Close the gap: later values of the run move back unless their home lies after the hole.
         for (size_t i = (hole + 1) & mask(); mSlots[i]; i = (i + 1) & mask()) {
             const size_t h = homeOf(mSlots[i]);
             const bool stays = hole <= i ? (hole < h && h <= i) : (hole < h || h <= i);
@@ -67,7 +60,7 @@ public:
 
     void clear()
     {
-        std::vector<uint16_t>().swap(mSlots);
+        std::vector<uint32_t>().swap(mSlots);
         mCount = 0;
         mShift = 64;
     }
@@ -75,37 +68,56 @@ public:
     size_t size() const { return mCount; }
 
 private:
+    static constexpr size_t NONE = static_cast<size_t>(-1);
+
     size_t mask() const { return mSlots.size() - 1; }
+    static tSlot slotOf(uint32_t value) { return (value & 0xFFFF) - 1; }
 
-    bool matches(tSlot slot, const void* element, const void* chunk) const
+    static uint64_t hash(const void* element, const void* chunk)
     {
-        return mPool[slot].element.get() == element && mPool[slot].chunk.get() == chunk;
+        return (reinterpret_cast<uintptr_t>(element) ^ (reinterpret_cast<uintptr_t>(chunk) * 0x9E3779B97F4A7C15ull)) *
+               0xC2B2AE3D27D4EB4Full;
     }
 
-    size_t home(const void* element, const void* chunk) const
+    /// Where the pair's value is, or NONE.
+    size_t position(const void* element, const void* chunk) const
     {
-        const uint64_t k = (reinterpret_cast<uintptr_t>(element) ^
-                            (reinterpret_cast<uintptr_t>(chunk) * 0x9E3779B97F4A7C15ull)) * 0xC2B2AE3D27D4EB4Full;
-        return static_cast<size_t>(k >> mShift);
+        if (mSlots.empty())
+            return NONE;
+        const uint64_t k = hash(element, chunk);
+        const uint32_t tag = static_cast<uint32_t>(k >> 48);
+        for (size_t i = static_cast<size_t>(k >> mShift);; i = (i + 1) & mask()) {
+            const uint32_t value = mSlots[i];
+            if (!value)
+                return NONE;
+            if (value >> 16 == tag) {
+                const auto& entry = mPool[slotOf(value)];
+                if (entry.element.get() == element && entry.chunk.get() == chunk)
+                    return i;
+            }
+        }
     }
 
-    /// Home of a stored value (slot number plus one).
-    size_t homeOf(uint16_t stored) const
+    /// The home of a stored value: from its hash bits while they suffice, else from its entry.
+    size_t homeOf(uint32_t value) const
     {
-        return home(mPool[stored - 1].element.get(), mPool[stored - 1].chunk.get());
+        if (mShift >= 48)
+            return (value >> 16) >> (mShift - 48);
+        const auto& entry = mPool[slotOf(value)];
+        return static_cast<size_t>(hash(entry.element.get(), entry.chunk.get()) >> mShift);
     }
 
-    void place(uint16_t stored)
+    void place(uint32_t value)
     {
-        size_t i = homeOf(stored);
+        size_t i = homeOf(value);
         while (mSlots[i])
             i = (i + 1) & mask();
-        mSlots[i] = stored;
+        mSlots[i] = value;
     }
 
     void grow()
     {
-        std::vector<uint16_t> old;
+        std::vector<uint32_t> old;
         old.swap(mSlots);
         const size_t size = old.empty() ? 8 : old.size() * 2;
         mSlots.assign(size, 0);
@@ -118,10 +130,10 @@ private:
     }
 
     const Pool& mPool;
-    /// Slot number plus one; 0 is free.
-    std::vector<uint16_t> mSlots;
+    /// Hash bits in the high half, slot number plus one in the low half; 0 is free.
+    std::vector<uint32_t> mSlots;
     size_t mCount;
-    /// 64 minus log2 of the slot count: home() keeps the hash's top bits.
+    /// 64 minus log2 of the table size: a home is the hash's top bits.
     unsigned mShift;
 };
 

@@ -36,7 +36,7 @@ public:
         size_t block, offset;
         locate(mUsed, block, offset);
         if (block == mBlocks.size())
-            mBlocks.push_back(boost::make_shared<Entry[]>(block < GROWING ? FIRST << block : LARGEST));
+            mBlocks.push_back(boost::make_shared<Entry[]>(block < GROWING ? size_t(FIRST) << block : size_t(LARGEST)));
         return mUsed++;
     }
 
@@ -65,21 +65,20 @@ public:
 
 private:
     /// Blocks 0 to 3 hold 8, 16, 32 and 64 entries (120 slots), later ones 128.
-    enum { FIRST = 8, GROWING = 4, LARGEST = 128, GROWN = FIRST * ((1 << GROWING) - 1) };
+    enum { FIRST = 8, GROWING = 4, LARGEST = 128 };
 
     static void locate(size_t slot, size_t& block, size_t& offset)
     {
-        if (slot >= GROWN) {
-            block = GROWING + (slot - GROWN) / LARGEST;
-            offset = (slot - GROWN) % LARGEST;
-            return;
+        // Counted from 8, block k of the growing ones starts at 8 << k.
+        const size_t from8 = slot + FIRST;
+        if (from8 < LARGEST) {
+            const int top = 63 - __builtin_clzll(from8);
+            block = static_cast<size_t>(top) - 3;
+            offset = from8 - (size_t(1) << top);
+        } else {
+            block = from8 / LARGEST + (GROWING - 1);
+            offset = from8 % LARGEST;
         }
-        block = 0;
-        while (slot >= static_cast<size_t>(FIRST) << block) {
-            slot -= static_cast<size_t>(FIRST) << block;
-            ++block;
-        }
-        offset = slot;
     }
 
     std::vector<boost::shared_ptr<Entry[]> > mBlocks;
