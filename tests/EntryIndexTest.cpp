@@ -15,9 +15,10 @@ struct tFakeEntry
 // erased one is not, whatever the order of the erasures and re-insertions.
 TEST(EntryIndexTest, FindsWhatRemainsAfterErasures)
 {
-    const struct { size_t stride, offset; } cases[] = {{1, 0}, {2, 1}, {3, 0}, {7, 3}};
+    // 60000 entries: a table past 65536 values finds homes through the entries.
+    const struct { size_t stride, offset, count; } cases[] = {{1, 0, 300}, {2, 1, 300}, {3, 0, 300}, {7, 3, 60000}};
     for (const auto& c : cases) {
-        std::vector<tFakeEntry> entries(300);
+        std::vector<tFakeEntry> entries(c.count);
         const boost::shared_ptr<int> shared = boost::make_shared<int>(0);
         tEntryIndex<std::vector<tFakeEntry> > index(entries);
         for (size_t i = 0; i < entries.size(); ++i) {
