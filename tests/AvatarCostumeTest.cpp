@@ -106,6 +106,10 @@ TEST_F(AvatarCostumeTest, PiecesAndFallbacks)
     EXPECT_EQ(costume.getAvatarTexturePiece("head", "round").lodSize, 128) << "an unloaded LOD maps like a request";
     EXPECT_FALSE(debug.has("CAvatarCostume::getAvatarTexturePiece - could not find variation round of component head.  "
                            "Falling back on variation 0.\n")) << "the first variation is found by its name";
+    costume.debugDump();
+    EXPECT_TRUE(debug.has(3, "Current contents of avatar costume object:\n"));
+    EXPECT_TRUE(debug.has(3, "variation name:square\n"));
+    EXPECT_TRUE(debug.has(3, "hello: [hello.wav]\n"));
 }
 
 TEST_F(AvatarCostumeTest, MissingDatasetIsReported)

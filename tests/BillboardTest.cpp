@@ -73,6 +73,51 @@ TEST_F(BillboardTest, VerticesAndTextureCoordinates)
     }
 }
 
+TEST_F(BillboardTest, TextureGivesSizeAndClearingUnregisters)
+{
+    boost::shared_ptr<CBillboard> b = boost::make_shared<CBillboard>();
+    boost::shared_ptr<CTexture> texture = makeTexture(64, 32, kPixelFormatRGBA8888, [](int, int) { return RED; });
+    EXPECT_TRUE(b->setTexture(texture));
+    EXPECT_EQ(b->getWidth(), F(64));
+    EXPECT_EQ(b->getHeight(), F(32));
+    EXPECT_EQ(b->getTextureId(), texture->glTextureId);
+    EXPECT_TRUE(chunkOf(*b)->isTranslucent());
+    EXPECT_TRUE(b->setTexture(texture, true));
+    EXPECT_FALSE(chunkOf(*b)->isTranslucent());
+    CDrawManager::Instance()->add(b);
+    frame();
+    EXPECT_EQ(pixel(2, 2), RED);
+    b->clearTexture();
+    EXPECT_FALSE(b->getTexture());
+    EXPECT_FALSE(b->isDrawManaged());
+    EXPECT_EQ(b->getWidth(), F(64)) << "the size is kept";
+    frame();
+    EXPECT_EQ(pixel(2, 2), BLACK);
+
+    CBillboard missing;
+    EXPECT_TRUE(missing.loadTexture(scratchDir("billboard-missing") + "/nothing-here.png", 0));
+    EXPECT_NE(missing.getTextureId(), 0u) << "the placeholder";
+}
+
+TEST_F(BillboardTest, ImmediateDrawNeedsVisibilityAndSize)
+{
+    CBillboard sized;
+    sized.setTexture(solidTexture(BLUE));
+    CBillboard empty;
+    struct { CBillboard* b; bool visible; bool draws; } cases[] = {
+        {&sized, true, true}, {&sized, false, false}, {&empty, true, false}};
+    for (const auto& c : cases) {
+        CGraphics2D::Instance()->clearBuffer();
+        c.b->setVisibility(c.visible);
+        GLRecorder::start();
+        c.b->draw(nullptr);
+        GLRecorder::stop();
+        EXPECT_EQ(GLRecorder::count("glDrawArrays"), c.draws ? 1u : 0u);
+        EXPECT_EQ(pixel(3, 3), c.draws ? BLUE : BLACK);
+        GLRecorder::clear();
+    }
+}
+
 TEST_F(BillboardTest, ReportsWhatItCannotDo)
 {
     AssertCapture asserts;

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <gtest/gtest.h>
+#include <vector>
 
 namespace {
 
@@ -80,6 +81,19 @@ TEST(Fixed, SqrtIsFloorOfTrueRoot)
         while (static_cast<unsigned __int128>(r + 1) * (r + 1) <= n) ++r;
         EXPECT_EQ(static_cast<uint32_t>(sqrt(raw(static_cast<int32_t>(v))).raw()), r) << std::hex << v;
     }
+}
+
+TEST(Rect2, IntersectionIsInclusiveAndUnchecked)
+{
+    const tRect2 a{tFixed(0), tFixed(0), tFixed(10), tFixed(10)};
+    const tRect2 corner{tFixed(10), tFixed(10), tFixed(20), tFixed(20)};
+    const tRect2 apart{tFixed(11), tFixed(0), tFixed(20), tFixed(5)};
+    EXPECT_TRUE(a.HasIntersection(corner));
+    const tRect2 i = a.FindIntersection(corner);
+    EXPECT_EQ((std::vector<tFixed>{i.left, i.bottom, i.right, i.top}), std::vector<tFixed>(4, tFixed(10)));
+    EXPECT_FALSE(a.HasIntersection(apart));
+    const tRect2 inverted = a.FindIntersection(apart);
+    EXPECT_GT(inverted.left, inverted.right);
 }
 
 TEST(Matrix23, TransformsTable)

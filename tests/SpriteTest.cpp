@@ -64,6 +64,20 @@ TEST_F(SpriteTest, AttachMergesWhatCanMergeInAttachOrder)
     }
 }
 
+TEST_F(SpriteTest, AttachWhileRegisteredSwapsChunksInTheLists)
+{
+    boost::shared_ptr<CSprite> sprite = boost::make_shared<CSprite>();
+    sprite->attach(piece({1}));
+    CDrawManager::Instance()->add(sprite);
+    ASSERT_TRUE(sprite->isDrawManaged());
+    sprite->attach(piece({1}));
+    sprite->attach(piece({2}));
+    std::vector<CDrawChunk*> expected;
+    for (const auto& chunk : sprite->getChunks())
+        expected.push_back(chunk.get());
+    EXPECT_EQ(registeredChunks(sprite.get()), expected);
+}
+
 TEST_F(SpriteTest, AttachingNothingIsReported)
 {
     AssertCapture asserts;

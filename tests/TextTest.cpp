@@ -101,6 +101,20 @@ TEST_F(TextTest, OriginSitsOnTheBaseline)
     CDrawManager::Instance()->remove(t);
 }
 
+TEST_F(TextTest, ImmediateDrawMatchesBatchedDraw)
+{
+    boost::shared_ptr<CText> t = makeText("Ag", 20);
+    t->moveTo(tVect3{tFixed(30), tFixed(25), ZERO_X});
+    t->setColor(tColor{255, 255, 255, 255});
+    CGraphics2D::Instance()->clearBuffer();
+    t->draw(nullptr);
+    ImageIO::tImage immediate = readFrame();
+    CDrawManager::Instance()->add(t);
+    frame();
+    EXPECT_EQ(ImageIO::compare(immediate, readFrame(), 2).pixelsOver, 0);
+    CDrawManager::Instance()->remove(t);
+}
+
 TEST_F(TextTest, FontThatCannotLoadIsReported)
 {
     DebugCapture debug;

@@ -78,4 +78,17 @@ TEST(TextureImageInfo, BadEnumerationsAssertAndGiveSentinels)
     }
 }
 
+TEST(TextureImageInfo, UnpacksSixteenBitColours)
+{
+    const tImageInfo rgba4 = info(PAL_NONE, kPixelFormatRGBA4444, 1, 1);
+    const tImageInfo rgb565 = info(PAL_NONE, kPixelFormatRGB565, 1, 1);
+    struct { tImageInfo info; unsigned short v; tColor c; } unpacks[] = {
+        {rgba4, 0xFFFF, {240, 240, 240, 240}}, {rgb565, 0xFFFF, {248, 252, 248, 0}},
+        {rgba4, 0x1234, {0x10, 0x20, 0x30, 0x40}}, {rgb565, 0x07E0, {0, 252, 0, 0}},
+        {rgb565, 0xF800, {248, 0, 0, 0}},
+    };
+    for (const auto& u : unpacks)
+        EXPECT_EQ(u.info.UnpackColor16(u.v), u.c) << std::hex << u.v;
+}
+
 } // namespace

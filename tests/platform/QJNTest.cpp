@@ -43,4 +43,25 @@ TEST(QJN, LoadReadsFilesAndReportsMissingOnes)
     EXPECT_FALSE(directory.Load());
 }
 
+TEST(QJN, ValueKindsAtTheirLimits)
+{
+    QJN::CJSonFile file("inline.json");
+    ASSERT_TRUE(file.LoadFromString(
+        R"({"t": true, "f": false, "neg": -7, "u32": 4294967295, "huge": 10000000000000000000, "d": 2.5})"));
+    const QJN::Value root = file.getRoot();
+    struct { const char* key; bool isBool, asBool, isInt, isUInt; double asDouble; } cases[] = {
+        {"t", true, true, false, false, 0.0},          {"f", true, false, false, false, 0.0},
+        {"neg", false, false, true, false, -7.0},      {"u32", false, false, false, true, 4294967295.0},
+        {"huge", false, false, false, false, 1e19},    {"d", false, false, false, false, 2.5},
+    };
+    for (const auto& c : cases) {
+        const QJN::Value v = root[c.key];
+        EXPECT_EQ(v.isBool(), c.isBool) << c.key;
+        EXPECT_EQ(v.asBool(), c.asBool) << c.key;
+        EXPECT_EQ(v.isInt(), c.isInt) << c.key;
+        EXPECT_EQ(v.isUInt(), c.isUInt) << c.key;
+        EXPECT_EQ(v.asDouble(), c.asDouble) << c.key;
+    }
+}
+
 } // namespace

@@ -54,8 +54,10 @@ protected:
 
 TEST_F(SystemData, SearchOrder)
 {
-    struct Case { const char* name; std::string expected; };
+    struct Case { std::string name; std::string expected; };
     const Case cases[] = {
+        {root + "/env2/late.png", root + "/env2/late.png"},
+        {root + "/host/late.png", ""}, // an absolute path is not searched
         {"both.png", root + "/host/both.png"},
         {"env.png", root + "/env1/env.png"},
         {"late.png", root + "/env2/late.png"},
