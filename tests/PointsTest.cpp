@@ -50,6 +50,33 @@ TEST_F(PointsTest, BadInputIsReported)
     EXPECT_EQ(asserts.entries().back().file, "Zephrin2D/Src/CGraphicPoints");
 }
 
+TEST_F(PointsTest, MergesOnlyWithPointsOfTheSameKind)
+{
+    boost::shared_ptr<CTexture> texture = solidTexture(RED);
+    boost::shared_ptr<CTexture> glass = solidTexture(tColor{255, 0, 0, 100});
+    boost::shared_ptr<CPointSpriteChunk> points(new CPointSpriteChunk(2));
+    boost::shared_ptr<CPointSpriteChunk> more(new CPointSpriteChunk(3));
+    boost::shared_ptr<CTexturedChunk> quadChunk = quad(texture, 4, 4);
+    points->setTexture(texture);
+    more->setTexture(texture);
+    boost::shared_ptr<Element> e = element(10, 0);
+    EXPECT_TRUE(points->canMerge(e, more));
+    EXPECT_FALSE(points->canMerge(e, quadChunk));
+    EXPECT_FALSE(quadChunk->canMerge(e, points));
+    more->setPointSize(tFixed(2));
+    EXPECT_FALSE(points->canMerge(e, more)) << "other point size";
+    boost::shared_ptr<CPointSpriteChunk> translucent(new CPointSpriteChunk(1));
+    translucent->setTexture(glass);
+    EXPECT_TRUE(translucent->isTranslucent());
+    EXPECT_FALSE(points->canMerge(e, translucent));
+
+    more->setPointSize(ZERO_X);
+    boost::shared_ptr<CDrawChunk> merged = points->createMergedChunk(e, more);
+    ASSERT_EQ(merged->getVertices().size(), 5u);
+    EXPECT_EQ(merged->getVertices()[4], P(10, 0));
+    EXPECT_EQ(points->getVertices().size(), 2u);
+}
+
 TEST_F(PointsTest, InPlaceWritesShowInTheNextFrame)
 {
     boost::shared_ptr<CGraphicPoints> cloud = boost::make_shared<CGraphicPoints>(2, imageFile("red.png", RED));
