@@ -32,6 +32,54 @@ protected:
     }
 };
 
+TEST_F(PointsTest, PointsStartAtTheOriginResizeAndCopy)
+{
+    const std::string path = imageFile("red.png", RED);
+    CGraphicPoints cloud(3, path);
+    EXPECT_EQ(chunkOf(cloud)->getTexture(), CTextureManager::Instance()->get(path));
+    EXPECT_EQ(chunkOf(cloud)->getDrawnPointSize(), tFixed(4)) << "the texture's width by default";
+    cloud.setPointSize(tFixed(6));
+    EXPECT_EQ(chunkOf(cloud)->getDrawnPointSize(), tFixed(6));
+    cloud.setVertexN(1, P(4, 5, 1));
+    cloud.moveVertexNBy(2, tVect3{ONE_X, ZERO_X, ZERO_X});
+    cloud.moveVertexNBy(2, tVect3{ONE_X, ZERO_X, ZERO_X});
+    cloud.setNumberVertices(5);
+    const tVect3 expected[5] = {P(0, 0), P(4, 5, 1), P(2, 0), P(0, 0), P(0, 0)};
+    for (unsigned short i = 0; i < 5; ++i)
+        EXPECT_EQ(cloud.getVertexN(i), expected[i]) << i;
+    CGraphicPoints copy(cloud), assigned;
+    assigned = cloud;
+    copy.setVertexN(1, P(5, 5));
+    assigned.setNumberVertices(1);
+    EXPECT_EQ(cloud.getVertexN(1), P(4, 5, 1));
+    EXPECT_EQ(cloud.getNumberVertices(), 5);
+    EXPECT_EQ(copy.getVertexN(1), P(5, 5));
+}
+
+TEST_F(PointsTest, ImmediateDrawAndAReplacedChunk)
+{
+    CGraphicPoints single(1, imageFile("red.png", RED));
+    single.moveTo(tVect2{tFixed(20), tFixed(20)});
+    CGraphics2D::Instance()->clearBuffer();
+    single.draw(nullptr);
+    EXPECT_EQ(pixel(20, 20), RED);
+    EXPECT_EQ(pixel(10, 10), BLACK);
+    EXPECT_EQ(glIsEnabled(GL_POINT_SPRITE_OES), GL_FALSE);
+
+    boost::shared_ptr<CGraphicPoints> cloud = boost::make_shared<CGraphicPoints>();
+    cloud->setNumberVertices(1);
+    chunkOf(*cloud)->setTexture(solidTexture(RED, 4));
+    cloud->setVertexN(0, P(10, 10));
+    CDrawManager::Instance()->add(cloud);
+    boost::shared_ptr<CPointSpriteChunk> old = chunkOf(*cloud);
+    cloud->setNumberVertices(2);
+    cloud->setVertexN(1, P(40, 40));
+    EXPECT_TRUE(old->getDrawList().expired()) << "the replaced chunk is withdrawn";
+    frame();
+    EXPECT_EQ(pixel(10, 10), RED);
+    EXPECT_EQ(pixel(40, 40), RED);
+}
+
 TEST_F(PointsTest, BadInputIsReported)
 {
     AssertCapture asserts;
