@@ -115,9 +115,11 @@ coverage:
 	  --txt $(COVERAGE_BUILD)/coverage.txt --html-details $(COVERAGE_BUILD)/coverage.html
 	@echo "Coverage report: $(COVERAGE_BUILD)/coverage.txt and coverage.html"
 
-# A seeded sample of MUTANTS mutants of the libraries, each run against the suite.
+# A seeded sample of MUTANTS mutants of the libraries, each run against the suite;
+# REPLAY=FILE.json runs the mutants of an earlier sample or report instead.
 mutation: deps
-	@nice -n 19 python3 scripts/mutation.py --build $(MUTATION_BUILD) --seed $(SEED) --count $(MUTANTS)
+	@nice -n 19 python3 scripts/mutation.py --build $(MUTATION_BUILD) --seed $(SEED) --count $(MUTANTS) \
+	  $(if $(REPLAY),--replay $(REPLAY))
 
 clean:
 	rm -rf $(BUILD) $(BUILD)-bench $(SANITIZE_BUILD) $(FUZZ_BUILD) $(COVERAGE_BUILD) $(MUTATION_BUILD)
