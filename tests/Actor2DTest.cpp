@@ -196,6 +196,9 @@ TEST_F(Actor2DTest, CurrentAnimationFollowsNextAtItsEnd)
         EXPECT_EQ(actor->getCurrentAnimationLabel(), label);
         actor->update(100);
     }
+    actor->gotoAndStop("jump");
+    EXPECT_EQ(actor->getCurrentCelOffset(), 2u);
+    EXPECT_EQ(registeredChunks(actor.get()), shown(actor));
 }
 
 TEST_F(Actor2DTest, UpdateFunctionRunsOnEveryCall)

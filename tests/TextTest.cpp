@@ -14,6 +14,14 @@ boost::shared_ptr<CText> makeText(const char* text, unsigned char size)
     return boost::shared_ptr<CText>(new CText(text, "DejaVu Sans", size));
 }
 
+TEST(Text, NextHighestPowerOfTwo)
+{
+    const unsigned int cases[][2] = {{0, 1},     {1, 1},       {2, 2},       {3, 4},          {5, 8},
+                                     {255, 256}, {512, 512},   {513, 1024},  {65537, 131072}, {100000, 131072}};
+    for (const auto& c : cases)
+        EXPECT_EQ(CText::nextHighestPowerOfTwo(c[0]), c[1]) << c[0];
+}
+
 class TextTest : public GLTest
 {
 protected:

@@ -102,6 +102,7 @@ TEST(Dataset, BrokenDatasetsAreRefusedWithAMessage)
     const BrokenCase cases[] = {
         {"empty dataset", "", &relink, "0 bytes, shorter than the 12-byte header"},
         {"truncated header", good.substr(0, 8), &relink, "shorter than the 12-byte header"},
+        {"header only", good.substr(0, 12), &relink, "root offset 12 outside"},
         {"bad magic", with(d, 0, 0x46464952), &relink, "bad magic"},
         {"bad version", with(d, 1, 2), &relink, "version 2"},
         {"root outside", with(d, 2, 40), &relink, "root offset 40"},
