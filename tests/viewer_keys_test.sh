@@ -6,19 +6,11 @@ set -u
 VIEW=$1 RENDER=$2 DIFF=$3 XWIN=$4 SCENE=$5 ART=$6 OUT=$7
 rm -rf "$OUT"
 mkdir -p "$OUT"
-command -v Xvfb >/dev/null 2>&1 || { echo "Xvfb missing"; exit 77; }
 command -v xwd >/dev/null 2>&1 || { echo "xwd missing"; exit 77; }
-
-n=$(( 90 + ($$ + 211) % 400 ))
-while [ -e "/tmp/.X$n-lock" ]; do n=$((n + 1)); done
-Xvfb ":$n" -screen 0 640x480x24 -nolisten tcp >"$OUT/xvfb.log" 2>&1 &
-xvfb=$!
-viewer=""
+. "$(dirname "$0")/support/xvfb.sh"
+viewer="" xvfb=""
 trap 'kill $xvfb $viewer 2>/dev/null' EXIT
-i=0
-while [ ! -e "/tmp/.X11-unix/X$n" ] && [ $i -lt 50 ]; do sleep 0.1; i=$((i + 1)); done
-[ -e "/tmp/.X11-unix/X$n" ] || { echo "Xvfb did not start"; exit 77; }
-export DISPLAY=":$n"
+start_xvfb "$OUT"
 
 fail() { echo "viewer keys: $*"; exit 1; }
 # Waits up to 10 s for the window title to match (or, with !, not to match) a pattern.
@@ -76,5 +68,5 @@ i=0
 while kill -0 $viewer 2>/dev/null && [ $i -lt 50 ]; do sleep 0.1; i=$((i + 1)); done
 kill -0 $viewer 2>/dev/null && fail "q did not quit"
 wait $viewer || fail "the viewer exited with $?"
-viewer=""
+viewer="" xvfb=""
 echo "viewer keys pause, step, reload and quit"

@@ -5,18 +5,11 @@
 set -u
 VIEW=$1 RENDER=$2 DIFF=$3 SCENE=$4 ART=$5 OUT=$6
 mkdir -p "$OUT"
-command -v Xvfb >/dev/null 2>&1 || { echo "Xvfb missing"; exit 77; }
 command -v xwd >/dev/null 2>&1 || { echo "xwd missing"; exit 77; }
-
-n=$(( 90 + $$ % 400 ))
-while [ -e "/tmp/.X$n-lock" ]; do n=$((n + 1)); done
-Xvfb ":$n" -screen 0 640x480x24 -nolisten tcp >"$OUT/xvfb.log" 2>&1 &
-xvfb=$!
+. "$(dirname "$0")/support/xvfb.sh"
+xvfb=""
 trap 'kill $xvfb 2>/dev/null' EXIT
-i=0
-while [ ! -e "/tmp/.X11-unix/X$n" ] && [ $i -lt 50 ]; do sleep 0.1; i=$((i + 1)); done
-[ -e "/tmp/.X11-unix/X$n" ] || { echo "Xvfb did not start"; exit 77; }
-export DISPLAY=":$n"
+start_xvfb "$OUT"
 
 "$RENDER" "$SCENE" --default-path "$ART" --frames 5 --out "$OUT/render.png" >/dev/null 2>&1 || { echo "render failed"; exit 1; }
 "$VIEW" "$SCENE" --default-path "$ART" --frames 150 --screenshot "$OUT/view.png" &
