@@ -34,6 +34,20 @@ TEST(GraphicElement, AlphaByTruncatesToEightBits)
     }
 }
 
+TEST(GraphicElement, AssignmentTakesPlacementColourAndVisibility)
+{
+    PlainElement from, to;
+    from.moveTo(tVect3{X(3), X(4), X(5)});
+    from.rotateTo(X(30));
+    from.setColor(tColor{1, 2, 3, 4});
+    from.setVisibility(false);
+    to = from;
+    EXPECT_EQ(to.getPos(), (tVect3{X(3), X(4), X(5)}));
+    EXPECT_EQ(to.getRotation(), X(30));
+    EXPECT_EQ(to.getColor(), (tColor{1, 2, 3, 4}));
+    EXPECT_FALSE(to.getVisibility());
+}
+
 TEST(GraphicElement, MatrixFollowsTheTransform)
 {
     struct {
