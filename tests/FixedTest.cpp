@@ -26,6 +26,11 @@ TEST(Fixed, ArithmeticWrapsAndRoundsTowardMinusInfinity)
         {"fromFloat below epsilon", deg(1.0 / 131072.0), 0},
         {"fromFloat negative below epsilon", deg(-1.0 / 131072.0), 0},
         {"division widens", tFixed(300) / tFixed(200), 0x18000},
+        {"x / 0 saturates", ONE_X / ZERO_X, MAX_X.raw()},
+        {"-x / 0 saturates", MINUS_ONE_X / ZERO_X, MIN_X.raw()},
+        {"0 / 0", ZERO_X / ZERO_X, 0},
+        {"tan 90 saturates", tan(DEGREES90_X), MAX_X.raw()},
+        {"tan 270 saturates", tan(DEGREES270_X), MIN_X.raw()},
     };
     for (const auto& c : cases)
         EXPECT_EQ(c.got.raw(), c.want) << c.what;

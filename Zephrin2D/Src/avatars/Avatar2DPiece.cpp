@@ -79,7 +79,7 @@ void Avatar2DPiece::refresh()
         return;
 
     const tAvatarVariation& v = piece.variation;
-    const tFixed f = AVATAR_BASE_SIZE / tFixed(piece.lodSize);
+    const tFixed f = ratio(AVATAR_BASE_SIZE, static_cast<uint32_t>(piece.lodSize));
     const tFixed w = v.right - v.left;
     const tFixed h = v.bottom - v.top;
     const tFixed x0 = -(v.regX * f), x1 = (w - v.regX) * f;

@@ -68,6 +68,8 @@ tFixed tan(tFixed degrees)
 {
     const int64_t s = sin(degrees).raw();
     const int64_t c = sin(degrees + DEGREES90_X).raw();
+    if (c == 0)
+        return tFixed::fromRaw(s > 0 ? 0x7FFFFFFF : static_cast<int32_t>(0x80000000u));
     const int64_t q = static_cast<int64_t>(static_cast<uint64_t>(s) << 32) / c;
     return tFixed::fromRaw(static_cast<int32_t>(q >> 16));
 }

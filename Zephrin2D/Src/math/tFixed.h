@@ -46,8 +46,14 @@ public:
     constexpr tFixed operator-(tFixed o) const { return fromRaw(static_cast<int32_t>(static_cast<uint32_t>(mRaw) - static_cast<uint32_t>(o.mRaw))); }
     constexpr tFixed operator-() const { return fromRaw(static_cast<int32_t>(0u - static_cast<uint32_t>(mRaw))); }
     constexpr tFixed operator*(tFixed o) const { return fromRaw(static_cast<int32_t>((static_cast<int64_t>(mRaw) * o.mRaw) >> 16)); }
-    /// Widens to 64 bits: (a << 16) / b. Division by zero is the caller's fault.
-    constexpr tFixed operator/(tFixed o) const { return fromRaw(static_cast<int32_t>((static_cast<int64_t>(mRaw) * 65536) / o.mRaw)); }
+    /// Widens to 64 bits: (a << 16) / b. Dividing by zero saturates toward the
+    /// sign of a (zero for 0 / 0) rather than trapping.
+    constexpr tFixed operator/(tFixed o) const
+    {
+        if (o.mRaw == 0)
+            return fromRaw(mRaw > 0 ? 0x7FFFFFFF : mRaw < 0 ? static_cast<int32_t>(0x80000000u) : 0);
+        return fromRaw(static_cast<int32_t>((static_cast<int64_t>(mRaw) * 65536) / o.mRaw));
+    }
 
     tFixed& operator+=(tFixed o) { return *this = *this + o; }
     tFixed& operator-=(tFixed o) { return *this = *this - o; }
@@ -90,7 +96,8 @@ extern const uint16_t sin_table[360];
 tFixed sin(tFixed degrees);
 /// Exactly sin(degrees + 90.0), the addition wrapping.
 tFixed cos(tFixed degrees);
-/// sin / cos; undefined where the cosine is 0 (90.0, 270.0, ...).
+/// sin / cos; where the cosine is 0 (90.0, 270.0, ...), the largest value of
+/// the sine's sign rather than a trap.
 tFixed tan(tFixed degrees);
 /// floor(sqrt(raw x 65536)), the raw value read as unsigned.
 tFixed sqrt(tFixed value);
