@@ -53,6 +53,7 @@ TEST(Graphics2DLifecycle, SurfaceTakesTheSceneSizeUnlessTheHostChoseOne)
     using Tadwick::Vell::VellOpenGLConfig;
     struct { int hostW, hostH, sceneW, sceneH, wantW, wantH; const char* message; } cases[] = {
         {0, 0, 100, 60, 100, 60, nullptr},
+        {0, 0, 0, 0, 320, 240, "CGraphics2D::init - the scene is 0x0 but the surface is 320x240: the scene is stretched to fit\n"},
         {100, 60, 100, 60, 100, 60, nullptr},
         {80, 40, 100, 60, 80, 40,
          "CGraphics2D::init - the scene is 100x60 but the surface is 80x40: the scene is stretched to fit\n"},
