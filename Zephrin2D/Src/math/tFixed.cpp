@@ -1,5 +1,7 @@
 #include "tFixed.h"
 
+#include <BaseUtils.h>
+
 const uint16_t sin_table[360] = {
     0, 286, 572, 858, 1144, 1430, 1716, 2001, 2287, 2573, 2859, 3144,
     3430, 3715, 4001, 4286, 4572, 4857, 5142, 5427, 5712, 5997, 6281, 6566,
@@ -68,8 +70,12 @@ tFixed tan(tFixed degrees)
 {
     const int64_t s = sin(degrees).raw();
     const int64_t c = sin(degrees + DEGREES90_X).raw();
-    if (c == 0)
+    if (c == 0) {
+        BaseUtils::Assert(false, "Zephrin2D/Src/tFixed", __LINE__,
+                          "tan - the cosine of the angle 0x%08X (raw 16.16 degrees) is 0: the result saturates\n",
+                          static_cast<unsigned>(degrees.raw()));
         return tFixed::fromRaw(s > 0 ? 0x7FFFFFFF : static_cast<int32_t>(0x80000000u));
+    }
     const int64_t q = static_cast<int64_t>(static_cast<uint64_t>(s) << 32) / c;
     return tFixed::fromRaw(static_cast<int32_t>(q >> 16));
 }

@@ -97,7 +97,7 @@ tFixed sin(tFixed degrees);
 /// Exactly sin(degrees + 90.0), the addition wrapping.
 tFixed cos(tFixed degrees);
 /// sin / cos; where the cosine is 0 (90.0, 270.0, ...), the largest value of
-/// the sine's sign rather than a trap.
+/// the sine's sign, reported, rather than a trap.
 tFixed tan(tFixed degrees);
 /// floor(sqrt(raw x 65536)), the raw value read as unsigned.
 tFixed sqrt(tFixed value);
