@@ -74,7 +74,7 @@ tFixed tan(tFixed degrees)
         BaseUtils::Assert(false, "Zephrin2D/Src/tFixed", __LINE__,
                           "tan - the cosine of the angle 0x%08X (raw 16.16 degrees) is 0: the result saturates\n",
                           static_cast<unsigned>(degrees.raw()));
-        return tFixed::fromRaw(s > 0 ? 0x7FFFFFFF : static_cast<int32_t>(0x80000000u));
+        return s > 0 ? MAX_X : MIN_X;
     }
     const int64_t q = static_cast<int64_t>(static_cast<uint64_t>(s) << 32) / c;
     return tFixed::fromRaw(static_cast<int32_t>(q >> 16));
