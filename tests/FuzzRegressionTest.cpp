@@ -9,6 +9,7 @@
 #include "CDsetReader.h"
 #include "CSceneLoaderDset.h"
 #include "CTexturePNG.h"
+#include "Importer.h"
 
 #include <dirent.h>
 #include <sys/resource.h>
@@ -88,9 +89,24 @@ void loadDataset(const std::string& path)
     EXPECT_FALSE(asserts.entries().empty());
 }
 
+// An importer input is refused with a message, in little memory.
+void import(const std::string& path)
+{
+    const long before = peakResidentKiB();
+    tImportOptions options;
+    options.input = path;
+    options.outDir = scratchDir("fuzz-regressions") + "/import";
+    Diagnostics diag;
+    std::vector<std::string> report;
+    EXPECT_EQ(runImport(options, diag, report), 1);
+    EXPECT_FALSE(diag.lines().empty());
+    EXPECT_LT(peakResidentKiB() - before, 64 * 1024);
+}
+
 const std::map<std::string, std::function<void(const std::string&)> > kLoaders = {
     {"png-", loadPNG},
     {"dset-", loadDataset},
+    {"import-", import},
 };
 
 class FuzzRegression : public GLTest

@@ -9,6 +9,7 @@
 #include "CTextureSheet.h"
 
 #include <boost/make_shared.hpp>
+#include <algorithm>
 #include <memory>
 
 namespace {
@@ -165,6 +166,55 @@ TEST(TileData, EncodingsGiveTheSameTiles)
             EXPECT_EQ(out, tiles) << c.encoding << " " << c.compression;
         else
             EXPECT_NE(error.find(c.error), std::string::npos) << error;
+    }
+}
+
+// What the importer keeps of a map or sheet, what it warns about, and where
+// it finds a sheet image that was exported elsewhere.
+TEST(ImportMapping, LayerLookWarningsAndImageFallback)
+{
+    const std::string dir = scratchDir("import-mapping");
+    for (const char* png : {"hero.png", "tiles.png"})
+        writeFile(dir + "/" + png, readFile(testDataPath(std::string("import/") + png)));
+    const std::string tmx = "<map orientation=\"orthogonal\" width=\"1\" height=\"1\" tilewidth=\"8\" tileheight=\"8\"";
+    const std::string tsx = "<tileset firstgid=\"1\" name=\"t\" tilewidth=\"8\" tileheight=\"8\"><image source=\"tiles.png\"/></tileset>";
+    const std::string cell = " width=\"1\" height=\"1\"><data encoding=\"csv\">1</data></layer>";
+    const std::string jsonSet = "\"tilesets\": [{\"firstgid\": 1, \"name\": \"t\", \"tilewidth\": 8, \"tileheight\": 8, "
+                                "\"image\": \"tiles.png\", \"columns\": 2, \"tilecount\": 4}]";
+    const std::string frame = "{\"frames\": [{\"frame\": {\"x\": 0, \"y\": 0, \"w\": 8, \"h\": 8}}], \"meta\": {\"image\": ";
+    const struct { const char* name; std::string text; std::vector<const char*> content, warnings; } cases[] = {
+        {"half.tmx", tmx + ">" + tsx + "<layer name=\"l\" opacity=\"0.5\"" + cell + "</map>", {"\"Color\": [255, 255, 255, 128]"}, {}},
+        {"tinted.tmx", tmx + ">" + tsx + "<group tintcolor=\"#808080\" offsetx=\"2\"><layer name=\"l\" tintcolor=\"#80ff0000\" "
+                       "opacity=\"0.5\" offsety=\"-3\"" + cell + "</group></map>", {"\"Position\": [2.0, 3.0, 0.0]", "\"Color\": [128, 0, 0, 64]"}, {}},
+        {"dropped.tmx", tmx + " backgroundcolor=\"#000\"><properties/>" + tsx + "<layer name=\"l\" parallaxx=\"0.5\" parallaxy=\"1\"" + cell +
+                        "<objectgroup name=\"o\"/><imagelayer name=\"i\"/></map>", {"\"URL\": \"t/0\""},
+         {"not imported: the background colour of the map", "not imported: custom properties of the map",
+          "not imported: the parallax factor of layer \"l\"", "object layer \"o\" is left out", "image layer \"i\" is left out"}},
+        {"nospacing.json", "{\"type\": \"map\", \"orientation\": \"orthogonal\", \"width\": 1, \"height\": 1, \"tilewidth\": 8, "
+                           "\"tileheight\": 8, " + jsonSet + ", \"layers\": [{\"type\": \"tilelayer\", \"name\": \"l\", \"width\": 1, "
+                           "\"height\": 1, \"data\": [1], \"tintcolor\": \"#00ff00\", \"properties\": []}]}",
+         {"\"Color\": [0, 255, 0, 255]"}, {"not imported: custom properties of layer \"l\""}},
+        {"windows.json", frame + "\"G:\\\\art\\\\hero.png\"}}", {"\"URL\": \"windows/0\""}, {}},
+        {"relative.json", frame + "\"examples/hero.png\"}}", {"\"URL\": \"relative/0\""}, {}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        tImportOptions options;
+        options.input = dir + "/" + c.name;
+        options.outDir = dir + "/out";
+        writeFile(options.input, c.text);
+        Diagnostics diag;
+        std::vector<std::string> report;
+        ASSERT_EQ(runImport(options, diag, report), 0) << (diag.lines().empty() ? "" : diag.lines()[0]);
+        const std::string name = c.name;
+        const std::string content = readFile(options.outDir + "/" + name.substr(0, name.find('.')) + ".json");
+        for (const char* part : c.content)
+            EXPECT_NE(content.find(part), std::string::npos) << part << " in\n" << content;
+        EXPECT_EQ(diag.lines().size(), c.warnings.size());
+        for (const char* w : c.warnings)
+            EXPECT_TRUE(std::any_of(diag.lines().begin(), diag.lines().end(), [w](const std::string& line) {
+                return line.find(": warning: ") != std::string::npos && line.find(w) != std::string::npos;
+            })) << w;
     }
 }
 

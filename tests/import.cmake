@@ -31,6 +31,11 @@ set(frame "\"frame\": {\"x\": 0, \"y\": 0, \"w\": 8, \"h\": 8}")
 set(sheet "\"meta\": {\"image\": \"${import_data}/hero.png\"")
 set(tmx "<map orientation=\"orthogonal\" width=\"1\" height=\"1\" tilewidth=\"8\" tileheight=\"8\"")
 set(tileset "<tileset firstgid=\"1\" name=\"t\" tilewidth=\"8\" tileheight=\"8\">")
+set(one_tile "<layer name=\"l\" width=\"1\" height=\"1\"><data encoding=\"csv\">1</data></layer>")
+string(REPEAT "<layer name=\"l\" width=\"1\" height=\"1\"><data encoding=\"csv\">0</data></layer>" 65 many_layers)
+string(REPEAT "n" 4097 long_name)
+string(REPEAT "{${frame}}, " 40 forty_frames)
+set(json_map "{\"type\": \"map\", \"orientation\": \"orthogonal\", \"tilewidth\": 8, \"tileheight\": 8")
 set(cases
   "rotated|{\"frames\": [{${frame}, \"rotated\": true}], ${sheet}}}|rotated frames are not supported"
   "no-image|{\"frames\": [{${frame}}], \"meta\": {\"image\": \"gone.png\"}}|the sheet image .*gone.png. is not there"
@@ -39,6 +44,17 @@ set(cases
   "iso.tmx|<map orientation=\"isometric\"/>|isometric maps are not supported"
   "hex.json|{\"type\": \"map\", \"orientation\": \"hexagonal\", \"layers\": [], \"tilesets\": []}|hexagonal maps are not supported"
   "collection.tmx|${tmx}>${tileset}<tile id=\"0\"><image source=\"a.png\"/></tile></tileset></map>|image-collection tilesets are not supported"
+  "meta-not-object|{\"frames\": [{${frame}}], \"meta\": 1}|\"meta\" must be an object"
+  "frame-x-2-31|{\"frames\": [{\"frame\": {\"x\": 2147483645, \"y\": 0, \"w\": 8, \"h\": 8}}], ${sheet}}}|\"x\" must lie between -1048576 and 1048576"
+  "source-x-2-31|{\"frames\": [{${frame}, \"spriteSourceSize\": {\"x\": 2147483645, \"y\": 0, \"w\": 8, \"h\": 8}}], ${sheet}}}|\"x\" must lie between"
+  "sheet-30000|{\"frames\": [{${frame}}], \"meta\": {\"image\": \"${import_data}/huge.png\"}}|is 30000x30000 pixels: an image side may be at most 4096"
+  "long-tag|{\"frames\": [{${frame}}], ${sheet}, \"frameTags\": [{\"name\": \"${long_name}\", \"from\": 0, \"to\": 0}]}}|\"name\".s length may be at most 4096"
+  "repeats|{\"frames\": [${forty_frames}{${frame}}], ${sheet}, \"frameTags\": [{\"name\": \"a\", \"from\": 0, \"to\": 40, \"repeat\": \"1000\"}, {\"name\": \"b\", \"from\": 0, \"to\": 40, \"repeat\": 1000}]}}|the number of cels of all animations may be at most 65535"
+  "spacing.tmx|${tmx}><tileset firstgid=\"1\" name=\"s\" tilewidth=\"8\" tileheight=\"8\" spacing=\"2147483640\" columns=\"2\" tilecount=\"4\"><image source=\"${import_data}/tiles.png\"/></tileset>${one_tile}</map>|\"spacing\" must be an integer from 0 to 4096"
+  "jpeg.tmx|${tmx}><tileset firstgid=\"1\" name=\"t\" tilewidth=\"8\" tileheight=\"8\"><image source=\"${import_data}/tiles.jpg\"/></tileset>${one_tile}</map>|tiles.jpg. is a JPEG image: only PNG images are read"
+  "map-2048.tmx|<map orientation=\"orthogonal\" width=\"2048\" height=\"2048\" tilewidth=\"8\" tileheight=\"8\"/>|\"width\" must be an integer from 1 to 1024"
+  "cells.json|${json_map}, \"width\": 1024, \"height\": 1024, \"tilesets\": [], \"layers\": []}|the map's width x height may be at most 262144"
+  "layers.tmx|${tmx}>${many_layers}</map>|the number of tile layers may be at most 64"
   "chunks.json|{\"type\": \"map\", \"orientation\": \"orthogonal\", \"width\": 1, \"height\": 1, \"tilewidth\": 8, \"tileheight\": 8, \"tilesets\": [], \"layers\": [{\"type\": \"tilelayer\", \"chunks\": []}]}|infinite maps are not supported"
 )
 foreach(c ${cases})

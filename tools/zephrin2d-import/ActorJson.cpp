@@ -16,11 +16,11 @@ std::string tDefinitionCounts::billboard(const std::string& picture)
     return JsonText::Object().set("ElementType", 0).set("ID", billboards++).setString("URL", picture).text();
 }
 
-std::string animationArray(const std::vector<tAnimationSpec>& animations, tDefinitionCounts& ids)
+std::string animationArray(const std::vector<tAnimationPlan>& animations, tDefinitionCounts& ids)
 {
     std::string cels;
     int offset = 0;
-    for (const tAnimationSpec& animation : animations) {
+    for (const tAnimationPlan& animation : animations) {
         const int first = offset;
         for (size_t i = 0; i < animation.cels.size(); ++i, ++offset) {
             JsonText::Object cel;

@@ -20,21 +20,21 @@ struct tDefinitionCounts
     std::string billboard(const std::string& picture);
 };
 
-struct tCelSpec
+struct tCelPlan
 {
     std::string picture;
     int duration = 0;  ///< milliseconds
 };
 
-struct tAnimationSpec
+struct tAnimationPlan
 {
     std::string label;
-    std::vector<tCelSpec> cels;
+    std::vector<tCelPlan> cels;
     bool hold = false;  ///< hold on the last cel; otherwise loop to the first
 };
 
-/// The "Animation" array of an actor: one cel per spec, each animation
+/// The "Animation" array of an actor: the planned cels in order, each animation
 /// labelled at its first cel and ended by a jump back to it (or a hold).
-std::string animationArray(const std::vector<tAnimationSpec>& animations, tDefinitionCounts& ids);
+std::string animationArray(const std::vector<tAnimationPlan>& animations, tDefinitionCounts& ids);
 
 #endif

@@ -1,5 +1,7 @@
 #include "Diagnostics.h"
 
+#include "ImportLimits.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
@@ -17,11 +19,22 @@ void Diagnostics::warning(const std::string& file, int line, int column, const s
     mLines.push_back(file + ":" + std::to_string(line) + ":" + std::to_string(column) + ": warning: " + message);
 }
 
-bool readTextFile(const std::string& path, std::string& text)
+bool readTextFile(const std::string& path, std::string& text, std::string* why)
 {
     std::ifstream in(path, std::ios::binary);
+    if (why)
+        *why = "cannot be read";
     if (!in)
         return false;
+    in.seekg(0, std::ios::end);
+    const std::streamoff size = in.tellg();
+    in.seekg(0, std::ios::beg);
+    if (size < 0 || static_cast<unsigned long long>(size) > ImportLimits::MAX_FILE_BYTES) {
+        if (why && size >= 0)
+            *why = "is " + std::to_string(size) + " bytes: " +
+                   ImportLimits::atMost("an input file's size", long(ImportLimits::MAX_FILE_BYTES));
+        return false;
+    }
     std::ostringstream s;
     s << in.rdbuf();
     text = s.str();
@@ -45,8 +58,9 @@ std::string stemOf(const std::string& path)
 bool JsonDocument::load(const std::string& path, Diagnostics& diag)
 {
     mPath = path;
-    if (!readTextFile(path, mText)) {
-        diag.error(path, 1, 1, "cannot be read");
+    std::string why;
+    if (!readTextFile(path, mText, &why)) {
+        diag.error(path, 1, 1, why);
         return false;
     }
     Json::CharReaderBuilder builder;

@@ -56,7 +56,9 @@ private:
     Json::Value mRoot;
 };
 
-bool readTextFile(const std::string& path, std::string& text);
+/// False when the file cannot be read or is larger than the importer reads;
+/// why then says which, worded to follow the file's name.
+bool readTextFile(const std::string& path, std::string& text, std::string* why = nullptr);
 /// The directory part of a path, with its trailing "/" ("" when there is none).
 std::string directoryOf(const std::string& path);
 /// The file name without directory and extension.

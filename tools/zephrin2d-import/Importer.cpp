@@ -1,6 +1,7 @@
 #include "Importer.h"
 
 #include "Aseprite.h"
+#include "JsonFields.h"
 #include "MapImporter.h"
 
 #include <cstdio>
@@ -35,7 +36,8 @@ eKind detect(const std::string& text, const JsonDocument& doc)
         return eKind::Aseprite;
     if (isTiledJsonMap(doc.root()))
         return eKind::TiledJson;
-    if (doc.root().isObject() && doc.root()["type"].asString() == "tileset")
+    const Json::Value& type = JsonFields::at(doc.root(), "type");
+    if (type.isString() && type.asString() == "tileset")
         return eKind::Tileset;
     return eKind::Unknown;
 }
@@ -55,9 +57,9 @@ bool writeFile(const std::string& path, const std::string& text)
 
 int runImport(const tImportOptions& options, Diagnostics& diag, std::vector<std::string>& report)
 {
-    std::string text;
-    if (!readTextFile(options.input, text)) {
-        diag.error(options.input, 1, 1, "cannot be read");
+    std::string text, why;
+    if (!readTextFile(options.input, text, &why)) {
+        diag.error(options.input, 1, 1, why);
         return 1;
     }
     JsonDocument doc;

@@ -2,6 +2,7 @@
 
 #include <zlib.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cstdlib>
 
@@ -55,16 +56,6 @@ bool inflateAll(const std::string& in, size_t expected, std::string& out)
 
 } // namespace
 
-std::string mapSizeProblem(const tTiledMap& map)
-{
-    const long MAX_CELLS = 1L << 22, MAX_TILE = 4096;
-    if (map.width <= 0 || map.height <= 0 || static_cast<long>(map.width) * map.height > MAX_CELLS)
-        return "the map must have 1 to " + std::to_string(MAX_CELLS) + " cells";
-    if (map.tileWidth <= 0 || map.tileHeight <= 0 || map.tileWidth > MAX_TILE || map.tileHeight > MAX_TILE)
-        return "the tile size must lie between 1 and " + std::to_string(MAX_TILE) + " pixels";
-    return std::string();
-}
-
 bool decodeTileData(const std::string& encoding, const std::string& compression, const std::string& text,
                     size_t count, std::vector<uint32_t>& gids, std::string& error)
 {
@@ -82,6 +73,8 @@ bool decodeTileData(const std::string& encoding, const std::string& compression,
                 error = "the CSV tile data holds something that is not a tile number";
                 return false;
             }
+            if (gids.size() > count)
+                break;
             gids.push_back(static_cast<uint32_t>(v));
             p = end;
         }
@@ -102,6 +95,11 @@ bool decodeTileData(const std::string& encoding, const std::string& compression,
             error = compression + "-compressed tile data is not supported (use CSV, or base64 with zlib or gzip)";
             return false;
         }
+        if (raw.size() % 4 == 0 && raw.size() / 4 != count) {
+            error = "the layer holds " + std::to_string(raw.size() / 4) + " tiles where its size asks for " +
+                    std::to_string(count);
+            return false;
+        }
         for (size_t i = 0; i + 3 < raw.size(); i += 4)
             gids.push_back(static_cast<uint8_t>(raw[i]) | static_cast<uint8_t>(raw[i + 1]) << 8 |
                            static_cast<uint8_t>(raw[i + 2]) << 16 | static_cast<uint32_t>(static_cast<uint8_t>(raw[i + 3])) << 24);
@@ -114,7 +112,8 @@ bool decodeTileData(const std::string& encoding, const std::string& compression,
         return false;
     }
     if (gids.size() != count) {
-        error = "the layer holds " + std::to_string(gids.size()) + " tiles where its size asks for " +
+        error = "the layer holds " + std::string(gids.size() > count ? "more than " : "") +
+                std::to_string(std::min(gids.size(), count)) + " tiles where its size asks for " +
                 std::to_string(count);
         return false;
     }

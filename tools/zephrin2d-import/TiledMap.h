@@ -37,7 +37,9 @@ struct tTiledLayer
     int line = 1;
     bool visible = true;
     double opacity = 1.0;
+    uint8_t tint[4] = {255, 255, 255, 255};  ///< rgba, a group's tint multiplied in
     int offsetX = 0, offsetY = 0;  ///< pixels, y downwards
+    int depth = 0;                 ///< groups the layer is in
     std::vector<uint32_t> gids;    ///< width x height, rows from the top, flip bits kept
 };
 
@@ -49,6 +51,34 @@ struct tTiledMap
     std::vector<tTiledTileset> tilesets;
     std::vector<tTiledLayer> layers;  ///< tile layers, bottom first
 };
+
+/// A layer as it inherits from its group: visibility, opacity, tint and
+/// offset combined. False with why set when the layer's offset is too large.
+bool inheritLayer(const tTiledLayer& group, double opacity, const uint8_t tint[4], double offsetX, double offsetY,
+                  tTiledLayer& layer, std::string& why);
+
+/// Tiled's "#rrggbb" or "#aarrggbb" (the "#" optional) as rgba.
+bool parseTiledColor(const std::string& text, uint8_t rgba[4]);
+
+/// Map features the importer leaves out, each warned about by name: a key
+/// (XML attribute or child element, JSON member) and what it is. A feature
+/// whose value is its default ("1" for a parallax factor) is not warned about.
+struct tDroppedFeature
+{
+    const char* key;
+    const char* what;
+    const char* defaultValue;  ///< nullptr: any value is dropped
+};
+extern const std::vector<tDroppedFeature> DROPPED_MAP_FEATURES;
+extern const std::vector<tDroppedFeature> DROPPED_LAYER_FEATURES;
+extern const std::vector<tDroppedFeature> DROPPED_TILESET_FEATURES;
+extern const std::vector<tDroppedFeature> DROPPED_TILE_FEATURES;
+/// The warning about a dropped feature: "not imported: WHAT of OWNER".
+std::string droppedMessage(const std::string& owner, const char* what);
+
+/// Empty when one more tile layer of the map's size fits the importer's
+/// limits (layer count, cells of all layers), else why not.
+std::string layerLimitProblem(const tTiledMap& map);
 
 const uint32_t TILED_FLIP_H = 0x80000000u;
 const uint32_t TILED_FLIP_V = 0x40000000u;
@@ -66,6 +96,9 @@ bool readExternalTileset(const std::string& path, tTiledTileset& tileset, Diagno
 
 /// Empty when the map's size and tile size are usable, else why not.
 std::string mapSizeProblem(const tTiledMap& map);
+/// An integer from a number of pixels Tiled may write with decimals; false
+/// when it lies outside the importer's coordinate limit.
+bool pixelsFrom(double value, int& out);
 
 /// Tile layer data as Tiled stores it: "csv", or "base64" with compression
 /// "", "zlib" or "gzip". error is set when it cannot be decoded.
