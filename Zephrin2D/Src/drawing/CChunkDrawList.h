@@ -35,12 +35,18 @@ struct tChunkEntry
     /// Element z plus the chunk's first vertex z, as of the last buffering.
     int32_t depth;
     /// Acceptance order, unique in the list: equal depths draw in it.
-    uint32_t order : 29;
+    uint32_t order : 26;
     /// The vertices must be re-transformed and re-uploaded.
     bool dirty : 1;
     /// The texture coordinates must be re-uploaded too.
     bool texCoordsDirty : 1;
     bool visible : 1;
+    /// The element draws a colour other than opaque white.
+    bool tinted : 1;
+    /// The element draws with alpha 0: nothing is drawn.
+    bool cleared : 1;
+    /// The colours must be re-uploaded.
+    bool colorDirty : 1;
 };
 
 /// The bookkeeping every draw list of one GL texture shares: the accepted
@@ -96,12 +102,16 @@ public:
     {
         return static_cast<bool>(find(element, chunk));
     }
+    tRecolor recolor(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) override;
+    void recolorAll(tPairs& misplaced) override;
 
     uint32_t getTextureId() const { return mTextureId; }
     uint16_t getVertexCount() const { return mVertexCount; }
     size_t getEntryCount() const { return mEntries.size(); }
     size_t getVisibleEntryCount() const { return mSortedEntries.size(); }
     size_t getHiddenEntryCount() const { return mHiddenEntries.size(); }
+    /// Whether the list draws with a colour array (it holds an element of another colour than opaque white).
+    bool hasColors() const { return mTintedCount > 0; }
 
 protected:
     /// A weak reference with what sorting and lookups need without locking it
@@ -114,11 +124,12 @@ protected:
     };
     static constexpr size_t MAX_COUNT = 65535;
 
-    /// texCoords: whether the list keeps a texture-coordinate buffer beside the positions.
+    /// texCoords: whether the list keeps a texture-coordinate buffer beside
+    /// the positions; such lists also draw element colours.
     CChunkDrawList(const tMessages& messages, bool texCoords)
         : mTranslucent(false), mHasTexture(false), mTextureId(0), mVertexBuffer(0), mTexCoordBuffer(0),
           mBufferedVertexCount(0), mVertexCount(0), mVerticesDirty(false), mIndexCount(0), mHiddenIndexCount(0),
-          mIndicesDirty(false), mAlphaCursor(0), mOrderDirty(false), mSortedFrontToBack(false), mRewriteFrom(NONE),
+          mIndicesDirty(false), mColorBuffer(0), mTintedCount(0), mColorsValid(false), mAlphaCursor(0), mOrderDirty(false), mSortedFrontToBack(false), mRewriteFrom(NONE),
           mNextOrder(0), mIndex(mPool), mMessages(messages), mTexCoords(texCoords)
     {
     }
@@ -149,6 +160,8 @@ protected:
         return mSortedEntries.empty() ? NO_MORE_DEPTHS : mSortedEntries[0].depth;
     }
     void deleteVertexBuffers();
+    /// Enables and points the colour array when the list draws colours; true when it did.
+    bool bindColors();
 
     bool mTranslucent;
     bool mHasTexture;
@@ -162,6 +175,11 @@ protected:
     uint16_t mIndexCount;
     uint16_t mHiddenIndexCount;
     bool mIndicesDirty;
+    GLuint mColorBuffer;
+    /// Entries with another colour than opaque white; the colour buffer is drawn only while there are some.
+    uint32_t mTintedCount;
+    /// The colour buffer holds every entry's colour.
+    bool mColorsValid;
     std::vector<boost::shared_ptr<tEntry> > mEntries;
     std::vector<tEntryRef> mSortedEntries;
     std::vector<tEntryRef> mHiddenEntries;
@@ -175,8 +193,8 @@ private:
     typedef tEntryIndex<tPool> tIndex;
     typedef typename tPool::tSlot tSlot;
     static constexpr size_t NONE = static_cast<size_t>(-1);
-    /// Orders run below this (29 bits); reaching it renumbers the entries.
-    static constexpr uint32_t ORDER_LIMIT = 1u << 29;
+    /// Orders run below this (26 bits); reaching it renumbers the entries.
+    static constexpr uint32_t ORDER_LIMIT = 1u << 26;
 
     static int32_t depthOf(const tEntry& e);
     /// Doubles up to a kilobyte, then grows by an eighth: a list's vectors
@@ -197,8 +215,13 @@ private:
     bool holdsTexture(const boost::shared_ptr<CDrawChunk>& chunk) const;
     bool setVisible(const boost::shared_ptr<CGraphicElement>& element, const boost::shared_ptr<CDrawChunk>& chunk,
                     bool visible);
-    void uploadVertices(size_t firstEntry, bool allocate);
-    void uploadDirtyVertices();
+    void uploadVertices(size_t firstEntry, bool allocate, bool colors);
+    void uploadDirtyVertices(bool colors);
+    /// Writes every entry's colour into a colour buffer of the vertex buffer's size.
+    void uploadColors();
+    /// Takes the element's colour into the entry's flags and the tinted count.
+    void takeColor(tEntry& e);
+    static tColor colorOf(const tEntry& e);
     /// Streams the entry and takes its new depth.
     bool restream(tVertexStream& stream, tEntry& e);
 

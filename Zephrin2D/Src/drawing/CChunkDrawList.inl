@@ -75,7 +75,8 @@ bool CChunkDrawList<Entry, Chunk>::add(boost::shared_ptr<CGraphicElement> elemen
     boost::shared_ptr<Chunk> typed = boost::dynamic_pointer_cast<Chunk>(chunk);
     if (!element || !typed)
         return false;
-    if (mHasTexture && (typed->getTextureId() != mTextureId || typed->isTranslucent() != mTranslucent))
+    const bool translucent = typed->isTranslucentFor(*element);
+    if (mHasTexture && (typed->getTextureId() != mTextureId || translucent != mTranslucent))
         return false;
     if (find(element, chunk))
         return true;
@@ -87,7 +88,7 @@ bool CChunkDrawList<Entry, Chunk>::add(boost::shared_ptr<CGraphicElement> elemen
     if (!mHasTexture) {
         BaseUtils::Assert(typed->getTextureId() != 0, mMessages.file, __LINE__, mMessages.noTexture);
         mTextureId = typed->getTextureId();
-        mTranslucent = typed->isTranslucent();
+        mTranslucent = translucent;
         mHasTexture = true;
     }
 
@@ -104,6 +105,10 @@ bool CChunkDrawList<Entry, Chunk>::add(boost::shared_ptr<CGraphicElement> elemen
     entry->visible = element->getVisibility();
     entry->depth = depthOf(*entry);
     entry->order = nextOrder();
+    entry->tinted = false;
+    entry->cleared = false;
+    entry->colorDirty = false;
+    takeColor(*entry);
     entryAdded(*entry);
     mIndex.insert(slot);
     mVertexCount = static_cast<uint16_t>(mVertexCount + vertexCount);
@@ -136,6 +141,8 @@ bool CChunkDrawList<Entry, Chunk>::remove(boost::shared_ptr<CGraphicElement> ele
         return false;
     tEntry* const found = &mPool[slot];
     mVertexCount = static_cast<uint16_t>(mVertexCount - found->vertexCount);
+    if (found->tinted)
+        --mTintedCount;
     mIndex.erase(element.get(), chunk.get());
 
     // The entries after it close the gap: their vertices move down and are rewritten.
@@ -213,6 +220,72 @@ void CChunkDrawList<Entry, Chunk>::markDirty(const boost::shared_ptr<CGraphicEle
 }
 
 template <class Entry, class Chunk>
+tColor CChunkDrawList<Entry, Chunk>::colorOf(const tEntry& e)
+{
+    return e.tinted ? e.element->getColor() : tColor{255, 255, 255, 255};
+}
+
+template <class Entry, class Chunk>
+void CChunkDrawList<Entry, Chunk>::takeColor(tEntry& e)
+{
+    bool tinted = false;
+    bool cleared = false;
+    if (mTexCoords && e.element->drawsColor()) {
+        const tColor c = e.element->getColor();
+        tinted = (c.r & c.g & c.b & c.a) != 255;
+        cleared = c.a == 0;
+    }
+    if (tinted != e.tinted) {
+        if (!tinted)
+            --mTintedCount;
+        else if (mTintedCount++ == 0)
+            mColorsValid = false;
+    }
+    e.tinted = tinted;
+    e.cleared = cleared;
+    if (mTintedCount > 0) {
+        e.colorDirty = true;
+        mVerticesDirty = true;
+    }
+}
+
+template <class Entry, class Chunk>
+CDrawList::tRecolor CChunkDrawList<Entry, Chunk>::recolor(boost::shared_ptr<CGraphicElement> element,
+                                                           boost::shared_ptr<CDrawChunk> chunk)
+{
+    tEntry* const entry = find(element, chunk);
+    if (!entry)
+        return NOT_HELD;
+    if (entry->chunk->isTranslucentFor(*element) != mTranslucent)
+        return MISPLACED;
+    takeColor(*entry);
+    return RECOLORED;
+}
+
+template <class Entry, class Chunk>
+void CChunkDrawList<Entry, Chunk>::recolorAll(tPairs& misplaced)
+{
+    for (size_t i = 0; i < mEntries.size(); ++i) {
+        tEntry& e = *mEntries[i];
+        if (e.chunk->isTranslucentFor(*e.element) != mTranslucent)
+            misplaced.push_back(std::make_pair(e.element, boost::shared_ptr<CDrawChunk>(e.chunk)));
+        else
+            takeColor(e);
+    }
+}
+
+template <class Entry, class Chunk>
+bool CChunkDrawList<Entry, Chunk>::bindColors()
+{
+    if (mTintedCount == 0 || !mColorsValid)
+        return false;
+    glEnableClientState(GL_COLOR_ARRAY);
+    glBindBuffer(GL_ARRAY_BUFFER, mColorBuffer);
+    glColorPointer(4, GL_UNSIGNED_BYTE, 0, 0);
+    return true;
+}
+
+template <class Entry, class Chunk>
 void CChunkDrawList<Entry, Chunk>::clear()
 {
     for (size_t i = 0; i < mEntries.size(); ++i)
@@ -227,6 +300,8 @@ void CChunkDrawList<Entry, Chunk>::clear()
     mVertexCount = 0;
     mIndexCount = 0;
     mHiddenIndexCount = 0;
+    mTintedCount = 0;
+    mColorsValid = false;
     mRewriteFrom = NONE;
     deleteVertexBuffers();
     mBufferedVertexCount = 0;
@@ -241,8 +316,11 @@ void CChunkDrawList<Entry, Chunk>::deleteVertexBuffers()
         glDeleteBuffers(1, &mVertexBuffer);
     if (mTexCoordBuffer)
         glDeleteBuffers(1, &mTexCoordBuffer);
+    if (mColorBuffer)
+        glDeleteBuffers(1, &mColorBuffer);
     mVertexBuffer = 0;
     mTexCoordBuffer = 0;
+    mColorBuffer = 0;
 }
 
 template <class Entry, class Chunk>
@@ -253,33 +331,43 @@ void CChunkDrawList<Entry, Chunk>::bufferVertices()
         if (mTexCoords)
             glGenBuffers(1, &mTexCoordBuffer);
     }
+    const bool colors = mTintedCount > 0;
+    if (colors && !mColorBuffer)
+        glGenBuffers(1, &mColorBuffer);
     if (mBufferedVertexCount < mVertexCount) {
-        uploadVertices(0, true);
+        uploadVertices(0, true, colors);
         mBufferedVertexCount = mVertexCount;
     } else {
+        if (colors && !mColorsValid)
+            uploadColors();
         if (mRewriteFrom < mEntries.size())
-            uploadVertices(mRewriteFrom, false);
-        uploadDirtyVertices();
+            uploadVertices(mRewriteFrom, false, colors);
+        uploadDirtyVertices(colors);
     }
+    mColorsValid = colors;
     mRewriteFrom = NONE;
     mVerticesDirty = false;
     glBindBuffer(GL_ARRAY_BUFFER, 0);
 }
 
 template <class Entry, class Chunk>
-void CChunkDrawList<Entry, Chunk>::uploadVertices(size_t firstEntry, bool allocate)
+void CChunkDrawList<Entry, Chunk>::uploadVertices(size_t firstEntry, bool allocate, bool colors)
 {
     size_t expected = 0;
     size_t written = 0;
     bool countsMatch = true;
     {
-        tVertexStream stream(mVertexBuffer, mTexCoordBuffer);
+        tVertexStream stream(mVertexBuffer, mTexCoordBuffer, mColorBuffer);
         const size_t start = firstEntry < mEntries.size() ? mEntries[firstEntry]->vertexOffset : mVertexCount;
         expected = mVertexCount - start;
         if (allocate)
             stream.allocate(mVertexCount);
-        stream.seek(start, mTexCoords);
+        stream.seekParts(start, tVertexStream::POSITIONS | (mTexCoords ? tVertexStream::COORDS : 0) |
+                                    (colors ? tVertexStream::COLORS : 0));
         for (size_t i = firstEntry; i < mEntries.size(); ++i) {
+            if (colors)
+                stream.setColor(colorOf(*mEntries[i]));
+            mEntries[i]->colorDirty = false;
             countsMatch = restream(stream, *mEntries[i]) && countsMatch;
             written += mEntries[i]->vertexCount;
         }
@@ -288,20 +376,43 @@ void CChunkDrawList<Entry, Chunk>::uploadVertices(size_t firstEntry, bool alloca
 }
 
 template <class Entry, class Chunk>
-void CChunkDrawList<Entry, Chunk>::uploadDirtyVertices()
+void CChunkDrawList<Entry, Chunk>::uploadDirtyVertices(bool colors)
 {
     bool countsMatch = true;
     {
-        tVertexStream stream(mVertexBuffer, mTexCoordBuffer);
+        tVertexStream stream(mVertexBuffer, mTexCoordBuffer, mColorBuffer);
+        const unsigned colorPart = colors ? tVertexStream::COLORS : 0;
         for (size_t i = 0; i < mEntries.size(); ++i) {
             tEntry& e = *mEntries[i];
-            if (!e.dirty)
+            if (!e.dirty && !e.colorDirty)
                 continue;
-            stream.seek(e.vertexOffset, mTexCoords && e.texCoordsDirty);
-            countsMatch = restream(stream, e) && countsMatch;
+            if (colors)
+                stream.setColor(colorOf(e));
+            if (e.dirty) {
+                stream.seekParts(e.vertexOffset, tVertexStream::POSITIONS | colorPart |
+                                                     (mTexCoords && e.texCoordsDirty ? tVertexStream::COORDS : 0));
+                countsMatch = restream(stream, e) && countsMatch;
+            } else if (colors) {
+                stream.seekParts(e.vertexOffset, tVertexStream::COLORS);
+                stream.putColors(e.vertexCount);
+            }
+            e.colorDirty = false;
         }
     }
     BaseUtils::Assert(countsMatch, mMessages.file, __LINE__, mMessages.dirtyMismatch);
+}
+
+template <class Entry, class Chunk>
+void CChunkDrawList<Entry, Chunk>::uploadColors()
+{
+    tVertexStream stream(mVertexBuffer, mTexCoordBuffer, mColorBuffer);
+    stream.allocate(mBufferedVertexCount);
+    stream.seekParts(0, tVertexStream::COLORS);
+    for (size_t i = 0; i < mEntries.size(); ++i) {
+        stream.setColor(colorOf(*mEntries[i]));
+        stream.putColors(mEntries[i]->vertexCount);
+        mEntries[i]->colorDirty = false;
+    }
 }
 
 template <class Entry, class Chunk>

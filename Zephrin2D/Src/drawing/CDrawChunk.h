@@ -39,6 +39,9 @@ public:
     boost::weak_ptr<CDrawList> getDrawList() const { return mDrawList; }
     void setDrawList(boost::weak_ptr<CDrawList> list) { mDrawList = list; }
     bool isTranslucent() const { return mTranslucent; }
+    /// Whether the chunk draws translucent when this element places it (its
+    /// own translucency, or the element's alpha where colours apply).
+    virtual bool isTranslucentFor(const CGraphicElement&) const { return mTranslucent; }
     void setTranslucent(bool translucent) { mTranslucent = translucent; }
 
 protected:

@@ -3,6 +3,8 @@
 
 #include <boost/enable_shared_from_this.hpp>
 #include <boost/shared_ptr.hpp>
+#include <utility>
+#include <vector>
 
 class CDrawChunk;
 class CGraphicElement;
@@ -15,6 +17,9 @@ class CDrawList : public boost::enable_shared_from_this<CDrawList>
 public:
     /// Depth returned when a translucent list has nothing more to draw.
     enum { NO_MORE_DEPTHS = 2147483647 };
+    /// What recolor did.
+    enum tRecolor { RECOLORED, NOT_HELD, MISPLACED };
+    typedef std::vector<std::pair<boost::shared_ptr<CGraphicElement>, boost::shared_ptr<CDrawChunk> > > tPairs;
 
     virtual ~CDrawList() {}
 
@@ -42,6 +47,13 @@ public:
     virtual bool isTranslucent() const = 0;
     /// Whether the list holds this very pair.
     virtual bool contains(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) const = 0;
+    /// The element's colour changed: takes it at the next draw, or answers
+    /// MISPLACED when the pair now belongs in a list of the other kind
+    /// (opaque or translucent), which the caller then moves it to.
+    virtual tRecolor recolor(boost::shared_ptr<CGraphicElement>, boost::shared_ptr<CDrawChunk>) { return RECOLORED; }
+    /// Element colours were turned on or off for all: every entry takes its
+    /// colour again; the pairs that belong in a list of the other kind are added to misplaced.
+    virtual void recolorAll(tPairs& /*misplaced*/) {}
 };
 
 #endif

@@ -33,6 +33,7 @@ boost::shared_ptr<CDrawList> holderOf(const tListQueue& queue, const boost::shar
 } // namespace
 
 CDrawManager* CDrawManager::mInstance = 0;
+bool CDrawManager::mColorsEnabled = false;
 
 CDrawManager::CDrawManager() {}
 CDrawManager::~CDrawManager() {}
@@ -48,6 +49,7 @@ void CDrawManager::Destroy()
 {
     delete mInstance;
     mInstance = 0;
+    mColorsEnabled = false;
 }
 
 void CDrawManager::add(boost::shared_ptr<CGraphicElement> element)
@@ -79,7 +81,7 @@ void CDrawManager::add(boost::shared_ptr<CGraphicElement> element, boost::shared
     boost::shared_ptr<CDrawList> holder = chunk->getDrawList().lock();
     if (holder && holder->contains(element, chunk))
         return;
-    tListQueue& queue = chunk->isTranslucent() ? mTranslucentLists : mOpaqueLists;
+    tListQueue& queue = chunk->isTranslucentFor(*element) ? mTranslucentLists : mOpaqueLists;
     for (size_t i = 0; i < queue.size(); ++i)
         if (queue[i]->add(element, chunk))
             return;
@@ -101,6 +103,40 @@ boost::shared_ptr<CDrawList> CDrawManager::listOf(const boost::shared_ptr<CGraph
     // A chunk shared by several elements names only the last list that took it.
     boost::shared_ptr<CDrawList> holder = holderOf(mOpaqueLists, element, chunk);
     return holder ? holder : holderOf(mTranslucentLists, element, chunk);
+}
+
+void CDrawManager::setColorsEnabled(bool enabled)
+{
+    if (enabled == mColorsEnabled)
+        return;
+    mColorsEnabled = enabled;
+    CDrawList::tPairs misplaced;
+    tListQueue* queues[2] = {&mOpaqueLists, &mTranslucentLists};
+    for (int q = 0; q < 2; ++q)
+        for (size_t i = 0; i < queues[q]->size(); ++i)
+            (*queues[q])[i]->recolorAll(misplaced);
+    for (size_t i = 0; i < misplaced.size(); ++i) {
+        remove(misplaced[i].first, misplaced[i].second);
+        add(misplaced[i].first, misplaced[i].second);
+    }
+}
+
+void CDrawManager::recolor(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk)
+{
+    if (!element || !chunk)
+        return;
+    boost::shared_ptr<CDrawList> list = chunk->getDrawList().lock();
+    CDrawList::tRecolor result = list ? list->recolor(element, chunk) : CDrawList::NOT_HELD;
+    if (result == CDrawList::NOT_HELD) {
+        list = listOf(element, chunk);
+        if (!list)
+            return;
+        result = list->recolor(element, chunk);
+    }
+    if (result == CDrawList::MISPLACED) {
+        list->remove(element, chunk);
+        add(element, chunk);
+    }
 }
 
 void CDrawManager::remove(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk)

@@ -3,6 +3,8 @@
 
 #include <boost/shared_ptr.hpp>
 #include <deque>
+#include <utility>
+#include <vector>
 
 class CDrawChunk;
 class CDrawList;
@@ -21,6 +23,10 @@ struct tAlphaDrawList
 /// first list of its kind (opaque or translucent) that accepts it, and a new
 /// list is made when none does. drawAll() draws the opaque lists, then the
 /// translucent ones merged back to front by depth.
+///
+/// Element colours are off unless a program turns them on, for all elements
+/// here or per element (CGraphicElement::setColorEnabled); lists holding
+/// only opaque white elements then draw exactly as without them.
 class CDrawManager
 {
 public:
@@ -36,6 +42,15 @@ public:
 
     void addList(boost::shared_ptr<CDrawList> list);
     void removeList(boost::shared_ptr<CDrawList> list);
+
+    /// Turns element colours on or off for every element; the lists take the
+    /// change at the next frame. Off until a program turns it on, and again after Destroy().
+    void setColorsEnabled(bool enabled);
+    static bool colorsEnabled() { return mColorsEnabled; }
+    /// The element's colour changed: the list holding the pair takes it at
+    /// the next frame, or the pair moves to a list of the other kind when
+    /// the element turns translucent or opaque.
+    void recolor(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk);
 
     void drawAll();
     /// Removes empty lists and makes the others re-create their buffers at exact size.
@@ -60,6 +75,7 @@ private:
     std::deque<boost::shared_ptr<CDrawList> > mTranslucentLists;
 
     static CDrawManager* mInstance;
+    static bool mColorsEnabled;
 };
 
 #endif

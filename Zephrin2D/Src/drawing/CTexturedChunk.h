@@ -30,6 +30,8 @@ public:
     void setTextureId(GLuint textureId, bool translucent);
 
     boost::shared_ptr<CDrawList> createDrawList() override;
+    /// Also when the element draws its colour with an alpha below 255.
+    bool isTranslucentFor(const CGraphicElement& element) const override;
     /// Same texture object; translucent chunks also need the same resulting depth.
     bool canMerge(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> other) const override;
     boost::shared_ptr<CDrawChunk> createMergedChunk(boost::shared_ptr<CGraphicElement> element,

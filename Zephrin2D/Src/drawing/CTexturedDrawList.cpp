@@ -83,6 +83,9 @@ size_t CTexturedDrawList::uploadIndices(size_t first, size_t last, size_t count,
             if (!e)
                 continue;
             e->indexOffset = static_cast<uint16_t>(written);
+            // A faded-out element draws nothing (it is in a translucent list, whose counts are unknown).
+            if (e->cleared && count == UNKNOWN_COUNT)
+                continue;
             const std::vector<uint16_t>& indices = e->chunk->getIndices();
             countsMatch = countsMatch && indices.size() == e->indexCount;
             const size_t have = std::min(indices.size(), static_cast<size_t>(e->indexCount));
@@ -130,8 +133,11 @@ void CTexturedDrawList::bindAndDraw(GLuint indexBuffer, size_t count)
     glVertexPointer(3, GL_FIXED, 0, 0);
     glBindBuffer(GL_ARRAY_BUFFER, mTexCoordBuffer);
     glTexCoordPointer(2, GL_FIXED, 0, 0);
+    const bool colors = bindColors();
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indexBuffer);
     glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(count), GL_UNSIGNED_SHORT, 0);
+    if (colors)
+        glDisableClientState(GL_COLOR_ARRAY);
     glBindBuffer(GL_ARRAY_BUFFER, 0);
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
 }

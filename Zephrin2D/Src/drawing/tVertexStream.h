@@ -7,8 +7,8 @@
 #include <stddef.h>
 
 /// A draw list's scratch memory for uploads: streams vertex positions into
-/// one buffer (and texture coordinates into a second) block by block from
-/// the stack, so that buffering never touches the heap. The first flush of
+/// one buffer (texture coordinates into a second, colours into a third)
+/// block by block from the stack, so that buffering never touches the heap. The first flush of
 /// an allocating upload creates the buffers at their full size, with the
 /// data when it all fits one block. Leaves GL_ARRAY_BUFFER bound.
 class tVertexStream
@@ -16,38 +16,56 @@ class tVertexStream
 public:
     /// Vertices per block: what one stream holds on the stack.
     enum { BLOCK = 1024 };
+    /// What a seek sends up.
+    enum { POSITIONS = 1, COORDS = 2, COLORS = 4 };
 
-    tVertexStream(GLuint positionBuffer, GLuint coordBuffer)
-        : mPositionBuffer(positionBuffer), mCoordBuffer(coordBuffer), mStart(0), mCount(0), mCoords(false),
-          mAllocateTotal(0)
+    tVertexStream(GLuint positionBuffer, GLuint coordBuffer, GLuint colorBuffer = 0)
+        : mPositionBuffer(positionBuffer), mCoordBuffer(coordBuffer), mColorBuffer(colorBuffer), mStart(0),
+          mCount(0), mParts(POSITIONS), mAllocateTotal(0), mColor{255, 255, 255, 255}
     {
     }
     ~tVertexStream() { flush(); }
 
     void allocate(size_t total) { mAllocateTotal = total; }
     /// Continues at vertex offset start; coords says whether coordinates go up too.
-    void seek(size_t start, bool coords)
+    void seek(size_t start, bool coords) { seekParts(start, POSITIONS | (coords ? COORDS : 0)); }
+    void seekParts(size_t start, unsigned parts)
     {
-        if (mStart + mCount == start && mCoords == coords)
+        if (mStart + mCount == start && mParts == parts)
             return;
         flush();
         mStart = start;
-        mCoords = coords;
+        mParts = parts;
     }
+    /// The colour the following vertices take.
+    void setColor(tColor color) { mColor = color; }
     void put(const tVect3& position, const tVect2& coord)
     {
         mPositions[mCount] = position;
         mTexCoords[mCount] = coord;
+        mColors[mCount] = mColor;
         if (++mCount == BLOCK)
             flush();
+    }
+    /// count vertices of the current colour, for a stream of colours only.
+    void putColors(size_t count)
+    {
+        for (size_t i = 0; i < count; ++i) {
+            mColors[mCount] = mColor;
+            if (++mCount == BLOCK)
+                flush();
+        }
     }
     void flush()
     {
         if (mCount == 0)
             return;
-        upload(mPositionBuffer, mPositions, sizeof(tVect3));
-        if (mCoords)
+        if (mParts & POSITIONS)
+            upload(mPositionBuffer, mPositions, sizeof(tVect3));
+        if (mParts & COORDS)
             upload(mCoordBuffer, mTexCoords, sizeof(tVect2));
+        if (mParts & COLORS)
+            upload(mColorBuffer, mColors, sizeof(tColor));
         mAllocateTotal = 0;
         mStart += mCount;
         mCount = 0;
@@ -68,12 +86,15 @@ private:
 
     GLuint mPositionBuffer;
     GLuint mCoordBuffer;
+    GLuint mColorBuffer;
     size_t mStart;
     size_t mCount;
-    bool mCoords;
+    unsigned mParts;
     size_t mAllocateTotal;
+    tColor mColor;
     tVect3 mPositions[BLOCK];
     tVect2 mTexCoords[BLOCK];
+    tColor mColors[BLOCK];
 };
 
 #endif

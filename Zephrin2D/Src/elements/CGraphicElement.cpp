@@ -8,14 +8,15 @@
 
 CGraphicElement::CGraphicElement()
     : mMatrix(), mPosition(VECT3_0), mReg(VECT2_0), mRotation(ZERO_X), mScale{ONE_X, ONE_X},
-      mColor{255, 255, 255, 255}, mMatrixDirty(true), mVisible(true), mDrawManaged(false)
+      mColor{255, 255, 255, 255}, mMatrixDirty(true), mVisible(true), mDrawManaged(false),
+      mColorEnabled(false)
 {
 }
 
 CGraphicElement::CGraphicElement(const CGraphicElement& other)
     : boost::enable_shared_from_this<CGraphicElement>(), mMatrix(), mPosition(other.mPosition), mReg(other.mReg),
       mRotation(other.mRotation), mScale(other.mScale), mColor(other.mColor), mChunks(other.mChunks),
-      mMatrixDirty(true), mVisible(other.mVisible), mDrawManaged(false)
+      mMatrixDirty(true), mVisible(other.mVisible), mDrawManaged(false), mColorEnabled(other.mColorEnabled)
 {
 }
 
@@ -34,6 +35,7 @@ CGraphicElement& CGraphicElement::operator=(const CGraphicElement& other)
     mRotation = other.mRotation;
     mScale = other.mScale;
     mColor = other.mColor;
+    mColorEnabled = other.mColorEnabled;
     mVisible = other.mVisible;
     mChunks = other.mChunks;
     mMatrix = other.mMatrix;
@@ -75,16 +77,47 @@ void CGraphicElement::scaleBy(tVect2 factor)
     markDirtyVertices();
 }
 
-void CGraphicElement::alphaTo(unsigned char alpha) { mColor.a = alpha; }
+void CGraphicElement::alphaTo(unsigned char alpha)
+{
+    mColor.a = alpha;
+    if (drawsColor())
+        colorChanged();
+}
 
 void CGraphicElement::alphaBy(tFixed factor)
 {
     mColor.a = static_cast<unsigned char>((static_cast<int64_t>(factor.raw()) * mColor.a) >> 16);
+    if (drawsColor())
+        colorChanged();
 }
 
 void CGraphicElement::moveRegTo(tVect2 reg) { mReg = reg; markDirtyVertices(); }
 void CGraphicElement::moveRegBy(tVect2 offset) { mReg = mReg + offset; markDirtyVertices(); }
-void CGraphicElement::setColor(tColor color) { mColor = color; }
+void CGraphicElement::setColor(tColor color)
+{
+    mColor = color;
+    if (drawsColor())
+        colorChanged();
+}
+
+bool CGraphicElement::drawsColor() const { return mColorEnabled || CDrawManager::colorsEnabled(); }
+
+void CGraphicElement::setColorEnabled(bool enabled)
+{
+    const bool before = drawsColor();
+    mColorEnabled = enabled;
+    if (drawsColor() != before)
+        colorChanged();
+}
+
+void CGraphicElement::colorChanged()
+{
+    if (!mDrawManaged)
+        return;
+    boost::shared_ptr<CGraphicElement> self = shared_from_this();
+    for (size_t i = 0; i < mChunks.size(); ++i)
+        CDrawManager::Instance()->recolor(self, mChunks[i]);
+}
 
 tMatrix23 CGraphicElement::getMatrix()
 {

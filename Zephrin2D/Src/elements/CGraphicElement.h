@@ -82,11 +82,23 @@ public:
     /// Draws at once, outside the draw manager, with an optional colour.
     virtual void draw(tColor* color) = 0;
 
+    /// Batched drawing ignores the colour unless it is enabled for the
+    /// element or for all (CDrawManager::setColorsEnabled). Enabled, a colour
+    /// other than opaque white modulates the texels, an alpha below 255 draws
+    /// blended among the translucent geometry and alpha 0 draws nothing; the
+    /// colour and alpha setters then take effect at the next frame.
+    void setColorEnabled(bool enabled);
+    bool isColorEnabled() const { return mColorEnabled; }
+    /// Whether batched drawing applies the colour (enabled here or for all).
+    bool drawsColor() const;
+
     void setDrawManaged(bool managed) { mDrawManaged = managed; }
     bool isDrawManaged() const { return mDrawManaged; }
 
 protected:
     void applyPlacement();
+    /// The colour changed: the lists holding the chunks take it at the next frame.
+    void colorChanged();
 
     tMatrix23 mMatrix;
     tVect3 mPosition;
@@ -101,6 +113,7 @@ protected:
     bool mMatrixDirty;
     bool mVisible;
     bool mDrawManaged;
+    bool mColorEnabled;
 };
 
 #endif
