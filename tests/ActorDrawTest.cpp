@@ -84,6 +84,28 @@ TEST_F(ActorDrawTest, CelChangeSwapsListEntriesAndPixels)
     }
 }
 
+TEST_F(ActorDrawTest, ColourAndAlphaFollowTheActorAcrossCels)
+{
+    const GLuint white = texture(tColor{255, 255, 255, 255}), grey = texture(tColor{128, 128, 128, 255});
+    boost::shared_ptr<CActor2D> actor = boost::make_shared<CActor2D>();
+    tActor2DFrameStruct first = cel(100, white), second = cel(100, grey);
+    actor->appendFrameStart(first, "blink");
+    actor->appendFrame(second);
+    actor->pushBackOperation(1, operation::GOTO_AND_PLAY, 0);
+    CDrawManager::Instance()->add(actor);
+    actor->setColorEnabled(true);
+    actor->setColor(tColor{255, 0, 0, 128});
+    // Red over the black clear colour: white, then grey texels.
+    struct { int elapsed; unsigned char alpha; int red; } steps[] = {{0, 128, 128}, {100, 128, 64}, {100, 0, 0}, {100, 255, 128}};
+    for (const auto& s : steps) {
+        actor->update(s.elapsed);
+        actor->alphaTo(s.alpha);
+        frame();
+        EXPECT_NEAR(pixel(10, 10).r, s.red, 3) << s.elapsed;
+        EXPECT_EQ(pixel(10, 10).g, 0);
+    }
+}
+
 TEST_F(ActorDrawTest, CopiesSharingChunksAdvanceIndependently)
 {
     // Placed copies of one actor share their cels' chunks.

@@ -1,8 +1,10 @@
 #include "TestSupport.h"
 #include "DrawTestSupport.h"
+#include "GLCallText.h"
 
 #include "CDrawManager.h"
 #include "CGraphics2D.h"
+#include "CSprite.h"
 #include "CTexturedDrawList.h"
 
 #include <GLES/gl.h>
@@ -69,27 +71,124 @@ TEST_F(DrawManagerTest, RoutesPairsByTextureAndTranslucency)
 
 TEST_F(DrawManagerTest, TranslucentDepthsInterleaveAcrossLists)
 {
-    boost::shared_ptr<CTexture> a = solidTexture(tColor{255, 0, 0, 128});
-    boost::shared_ptr<CTexture> b = solidTexture(tColor{0, 255, 0, 128});
-    // Added out of depth order: the lists sort.
-    boost::shared_ptr<Element> a3 = quadElement(a, 0, 0, Z(3));
-    boost::shared_ptr<Element> b2 = quadElement(b, 2, 2, Z(2));
-    boost::shared_ptr<Element> a1 = quadElement(a, 4, 4, Z(1));
-    for (auto& e : {a3, b2, a1})
-        manager()->add(e);
-    ASSERT_EQ(manager()->getTranslucentLists().size(), 2u);
-    GLRecorder::start();
-    frame();
-    GLRecorder::stop();
-    const std::vector<std::pair<long, long> > draws = drawsWithTextures();
-    const std::vector<std::pair<long, long> > expected = {
-        {a->glTextureId, 6}, {b->glTextureId, 6}, {a->glTextureId, 6}};
-    EXPECT_EQ(draws, expected);
+    // Translucent textures, or opaque ones on elements faded to alpha 128.
+    for (bool faded : {false, true}) {
+        const unsigned char a8 = faded ? 255 : 128;
+        boost::shared_ptr<CTexture> a = solidTexture(tColor{255, 0, 0, a8});
+        boost::shared_ptr<CTexture> b = solidTexture(tColor{0, 255, 0, 128});
+        // Added out of depth order: the lists sort.
+        boost::shared_ptr<Element> a3 = quadElement(a, 0, 0, Z(3));
+        boost::shared_ptr<Element> b2 = quadElement(b, 2, 2, Z(2));
+        boost::shared_ptr<Element> a1 = quadElement(a, 4, 4, Z(1));
+        manager()->setColorsEnabled(faded);
+        for (auto& e : {a3, b2, a1}) {
+            manager()->add(e);
+            e->alphaTo(faded && e != b2 ? 128 : 255);
+        }
+        ASSERT_EQ(manager()->getTranslucentLists().size(), 2u);
+        GLRecorder::clear();
+        GLRecorder::start();
+        frame();
+        GLRecorder::stop();
+        const std::vector<std::pair<long, long> > draws = drawsWithTextures();
+        const std::vector<std::pair<long, long> > expected = {
+            {a->glTextureId, 6}, {b->glTextureId, 6}, {a->glTextureId, 6}};
+        EXPECT_EQ(draws, expected);
 
-    // Each blend lands on what is behind it: red at 1, green at 2, red at 3.
-    expectNear(pixel(5, 5), tColor{160, 64, 0, 255}, 3, "all three");
-    expectNear(pixel(3, 3), tColor{128, 64, 0, 255}, 3, "green over nothing, red over it");
-    expectNear(pixel(9, 9), tColor{64, 128, 0, 255}, 3, "red under green");
+        // Each blend lands on what is behind it: red at 1, green at 2, red at 3.
+        expectNear(pixel(5, 5), tColor{160, 64, 0, 255}, 3, "all three");
+        expectNear(pixel(3, 3), tColor{128, 64, 0, 255}, 3, "green over nothing, red over it");
+        expectNear(pixel(9, 9), tColor{64, 128, 0, 255}, 3, "red under green");
+        manager()->deleteAll();
+    }
+}
+
+TEST_F(DrawManagerTest, ElementColoursTintFadeAndHideOnlyWhenOn)
+{
+    // A quad over a blue one. on: colours off (0), on for all (1), for the element (2).
+    const tColor WHITE{255, 255, 255, 255}, glass{255, 255, 255, 128};
+    struct { tColor texture, color; int on; tColor expected; } cases[] = {
+        {WHITE, RED, 1, RED},
+        {WHITE, glass, 2, {128, 128, 255, 255}},
+        {WHITE, {0, 255, 0, 0}, 1, BLUE},
+        {WHITE, {255, 0, 0, 128}, 0, WHITE},
+        {glass, GREEN, 2, {0, 128, 128, 255}},
+        {glass, {0, 255, 0, 128}, 1, {0, 64, 191, 255}},
+    };
+    for (const auto& c : cases) {
+        boost::shared_ptr<Element> back = quadElement(solidTexture(BLUE), 0, 0, Z(0));
+        boost::shared_ptr<Element> front = quadElement(solidTexture(c.texture), 0, 0, Z(1));
+        front->setColor(c.color);
+        manager()->add(back);
+        manager()->add(front);
+        frame();
+        manager()->setColorsEnabled(c.on == 1);
+        front->setColorEnabled(c.on == 2);
+        frame();
+        expectNear(pixel(4, 4), c.expected, 3, "tinted");
+        // Back to opaque white: drawn as the texture is, at the next frame.
+        front->setColor(WHITE);
+        frame();
+        const int a = c.texture.a;
+        expectNear(pixel(4, 4), tColor{uint8_t(a), uint8_t(a), 255, 255}, 3, "white");
+        manager()->shrinkAll();
+        EXPECT_EQ(manager()->getTranslucentLists().size(), a < 255 ? 1u : 0u) << "the faded one left";
+        manager()->deleteAll();
+        manager()->setColorsEnabled(false);
+    }
+}
+
+TEST_F(DrawManagerTest, ColourOfASpriteTintsItsMergedChunks)
+{
+    for (tColor texture : {tColor{255, 255, 255, 255}, tColor{255, 255, 255, 128}}) {
+        boost::shared_ptr<CSprite> sprite = boost::make_shared<CSprite>();
+        boost::shared_ptr<CTexture> t = solidTexture(texture);
+        sprite->attach(quadElement(t, 0, 0, Z(1)));
+        sprite->attach(quadElement(t, 16, 0, Z(1)));
+        ASSERT_EQ(sprite->getChunks().size(), 1u);
+        sprite->setColor(tColor{0, 255, 0, 128});
+        sprite->setColorEnabled(true);
+        manager()->add(sprite);
+        frame();
+        for (int x : {4, 20})
+            expectNear(pixel(x, 4), tColor{0, uint8_t(texture.a / 2 + 1), 0, 255}, 3, "both halves");
+        manager()->deleteAll();
+    }
+}
+
+TEST_F(DrawManagerTest, ColoursCostNoCallUnlessOnAndNotWhite)
+{
+    // Two frames of an opaque and a translucent quad, their colour set before and between them,
+    // each in a fresh context so that GL names compare.
+    auto record = [&](tColor color, bool on) {
+        TearDown();
+        SetUp();
+        boost::shared_ptr<Element> a = quadElement(solidTexture(RED), 0, 0, Z(0));
+        boost::shared_ptr<Element> b = quadElement(solidTexture(tColor{0, 255, 0, 128}), 2, 2, Z(1));
+        manager()->setColorsEnabled(on);
+        GLRecorder::clear();
+        GLRecorder::start();
+        for (auto& e : {a, b}) {
+            e->setColor(color);
+            manager()->add(e);
+        }
+        frame();
+        a->alphaTo(color.a);
+        b->setColor(color);
+        frame();
+        GLRecorder::stop();
+        manager()->deleteAll();
+        manager()->setColorsEnabled(false);
+        return recordedGLCalls();
+    };
+    const tColor WHITE{255, 255, 255, 255};
+    const std::vector<std::string> white = record(WHITE, false);
+    EXPECT_EQ(std::count(white.begin(), white.end(), glCall("glColor4ub", {255, 255, 255, 255})), 4);
+    EXPECT_EQ(record(tColor{0, 0, 255, 128}, false), white) << "colours off";
+    EXPECT_EQ(record(WHITE, true), white) << "colours on, all white";
+    const std::vector<std::string> tinted = record(tColor{0, 0, 255, 128}, true);
+    EXPECT_EQ(std::count(tinted.begin(), tinted.end(), glCall("glColorPointer", {4, GL_UNSIGNED_BYTE, 0})), 4);
+    EXPECT_EQ(std::count(tinted.begin(), tinted.end(), glCall("glDisableClientState", {GL_COLOR_ARRAY})), 4);
 }
 
 TEST_F(DrawManagerTest, EqualDepthsOfOneListDrawInOneCall)

@@ -111,16 +111,20 @@ TEST_F(TextTest, OriginSitsOnTheBaseline)
 
 TEST_F(TextTest, ImmediateDrawMatchesBatchedDraw)
 {
-    boost::shared_ptr<CText> t = makeText("Ag", 20);
-    t->moveTo(tVect3{tFixed(30), tFixed(25), ZERO_X});
-    t->setColor(tColor{255, 255, 255, 255});
-    CGraphics2D::Instance()->clearBuffer();
-    t->draw(nullptr);
-    ImageIO::tImage immediate = readFrame();
-    CDrawManager::Instance()->add(t);
-    frame();
-    EXPECT_EQ(ImageIO::compare(immediate, readFrame(), 2).pixelsOver, 0);
-    CDrawManager::Instance()->remove(t);
+    // White, and tinted and faded with element colours on (the immediate draw applies the colour too).
+    for (tColor color : {tColor{255, 255, 255, 255}, tColor{0, 255, 255, 128}}) {
+        boost::shared_ptr<CText> t = makeText("Ag", 20);
+        t->moveTo(tVect3{tFixed(30), tFixed(25), ZERO_X});
+        t->setColor(color);
+        t->setColorEnabled(color.a < 255);
+        CGraphics2D::Instance()->clearBuffer();
+        t->draw(nullptr);
+        ImageIO::tImage immediate = readFrame();
+        CDrawManager::Instance()->add(t);
+        frame();
+        EXPECT_EQ(ImageIO::compare(immediate, readFrame(), 2).pixelsOver, 0) << color;
+        CDrawManager::Instance()->remove(t);
+    }
 }
 
 TEST_F(TextTest, FontThatCannotLoadIsReported)

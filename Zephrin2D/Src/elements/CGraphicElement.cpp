@@ -115,8 +115,9 @@ void CGraphicElement::colorChanged()
     if (!mDrawManaged)
         return;
     boost::shared_ptr<CGraphicElement> self = shared_from_this();
-    for (size_t i = 0; i < mChunks.size(); ++i)
-        CDrawManager::Instance()->recolor(self, mChunks[i]);
+    tChunkList& chunks = getChunks();
+    for (size_t i = 0; i < chunks.size(); ++i)
+        CDrawManager::Instance()->recolor(self, chunks[i]);
 }
 
 tMatrix23 CGraphicElement::getMatrix()
