@@ -15,8 +15,8 @@ cp "$PNG/rgba.png" "$W/art/hero.png"; cp "$PNG/pal4.png" "$W/art/sub/coin.png"; 
 
 "$PACK" --help | grep -q "^Usage: zephrin2d-pack" || fail "--help"
 expect 2 "needs a value" "$W/art" -o
-expect 2 "bad value for --palette: 7" "$W/art" -o "$W/out/s" --palette 7
-expect 2 "bad value for --max-size: 1000" "$W/art" -o "$W/out/s" --max-size=1000
+expect 2 "--palette takes auto, 8, 4 or off" "$W/art" -o "$W/out/s" --palette 7
+expect 2 "--max-size takes a power of two from 16 to 2048" "$W/art" -o "$W/out/s" --max-size=1000
 expect 2 "no output given" "$W/art"
 expect 1 "^$PNG/not_a_png.png:1:1: error: not a PNG file" "$W/art" "$PNG/not_a_png.png" -o "$W/out/s"
 expect 1 "^$W/dup/hero.png:1:1: error: a second picture named \"hero\"" "$W/art" "$W/dup" -o "$W/out/s"

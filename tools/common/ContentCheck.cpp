@@ -1,6 +1,7 @@
 #include "ContentCheck.h"
 
 #include "DsetCheck.h"
+#include "Paths.h"
 
 #include "CAvatarCostume.h"
 #include "CTextureSheet.h"
@@ -76,12 +77,6 @@ size_t distance(const std::string& a0, const std::string& b0)
     return d[a.size()][b.size()];
 }
 
-std::string directoryOf(const std::string& path)
-{
-    const size_t slash = path.rfind('/');
-    return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
-}
-
 std::string opcodeList() { return "1 and 2 jump, 3 triggers, 4 stops, 5 plays audio"; }
 
 } // namespace
@@ -96,10 +91,10 @@ ContentCheck::Kind ContentCheck::kindOf(const std::string& name)
          : Unknown;
 }
 
-ContentCheck::ContentCheck(Report& report, const SceneOptions& options) : mReport(report), mOptions(options)
+ContentCheck::ContentCheck(Diagnostics& report, const SceneOptions& options) : mReport(report), mOptions(options)
 {
-    if (!mOptions.artPath.empty())
-        CSystemData::Instance()->AddArtPath(mOptions.artPath);
+    for (const std::string& dir : mOptions.artPaths)
+        CSystemData::Instance()->AddArtPath(dir);
     loadSheetNames();
     mHasCostume = !mOptions.costume.empty();
 }
@@ -110,7 +105,7 @@ int ContentCheck::errorsIn(const SceneOptions& options, std::string& first)
     const CDebugMPI::tHandler handler = CDebugMPI::SetHandler([](int, int, const std::string&) {});
     const CDebugMPI::tHandler listener = CDebugMPI::SetListener(CDebugMPI::tHandler());
     const BaseUtils::tAssertHandler assertListener = BaseUtils::SetAssertListener(BaseUtils::tAssertHandler());
-    Report report;
+    Diagnostics report;
     {
         ContentCheck check(report, options);
         check.check(options.scene, Scene);
@@ -124,16 +119,18 @@ int ContentCheck::errorsIn(const SceneOptions& options, std::string& first)
 
 void ContentCheck::loadSheetNames()
 {
-    mHasSheet = !mOptions.sheet.empty();
-    JsonDocument doc;
-    if (!mHasSheet || !doc.load(mOptions.sheet))
-        return;
-    const Json::Value& bitmaps = doc.root()["ImageData"];
-    for (Json::ArrayIndex b = 0; bitmaps.isArray() && b < bitmaps.size(); ++b) {
-        const Json::Value& images = bitmaps[b]["Images"];
-        for (Json::ArrayIndex i = 0; images.isArray() && i < images.size(); ++i)
-            if (images[i].isObject() && images[i]["Name"].isString())
-                mSheetNames.insert(Glib::ustring(images[i]["Name"].asString()).collate_key());
+    mHasSheet = !mOptions.sheets.empty();
+    for (const std::string& sheet : mOptions.sheets) {
+        JsonDocument doc;
+        if (!doc.load(sheet) || !doc.root().isObject())
+            continue;
+        const Json::Value& bitmaps = doc.root()["ImageData"];
+        for (Json::ArrayIndex b = 0; bitmaps.isArray() && b < bitmaps.size(); ++b) {
+            const Json::Value& images = bitmaps[b].isObject() ? bitmaps[b]["Images"] : Json::Value::nullSingleton();
+            for (Json::ArrayIndex i = 0; images.isArray() && i < images.size(); ++i)
+                if (images[i].isObject() && images[i]["Name"].isString())
+                    mSheetNames.insert(Glib::ustring(images[i]["Name"].asString()).collate_key());
+        }
     }
 }
 
@@ -144,7 +141,7 @@ void ContentCheck::loadCostumeComponents()
     mCostumeLoaded = true;
     const std::string& path = mOptions.costume;
     if (path.size() > 8 && path.compare(path.size() - 8, 8, ".dsetBin") == 0) {
-        Report ignored;
+        Diagnostics ignored;
         DsetCheck dset(ignored, *this);
         dset.check(path);
         return;
@@ -175,7 +172,7 @@ void ContentCheck::check(const std::string& path, Kind kind)
     }
     JsonDocument doc;
     if (!doc.load(path)) {
-        mReport.add(path, doc.errorPlace().line, doc.errorPlace().column, Report::Error, doc.error());
+        mReport.add(path, doc.errorPlace().line, doc.errorPlace().column, Diagnostics::Error, doc.error());
         return;
     }
     mDoc = &doc;
@@ -217,16 +214,16 @@ void ContentCheck::check(const std::string& path, Kind kind)
 void ContentCheck::error(const Json::Value& at, const std::string& message)
 {
     const JsonDocument::tPlace p = mDoc->place(at);
-    mReport.add(mPath, p.line, p.column, Report::Error, message);
+    mReport.add(mPath, p.line, p.column, Diagnostics::Error, message);
 }
 
 void ContentCheck::warning(const Json::Value& at, const std::string& message)
 {
     const JsonDocument::tPlace p = mDoc->place(at);
-    mReport.add(mPath, p.line, p.column, Report::Warning, message);
+    mReport.add(mPath, p.line, p.column, Diagnostics::Warning, message);
 }
 
-void ContentCheck::keyError(const Json::Value& object, const std::string& key, Report::Severity severity,
+void ContentCheck::keyError(const Json::Value& object, const std::string& key, Diagnostics::Severity severity,
                             const std::string& message)
 {
     const JsonDocument::tPlace p = mDoc->keyPlace(object, key);
@@ -259,7 +256,7 @@ void ContentCheck::keys(const Json::Value& object, const char* what, const std::
         std::string message = "unknown key " + quoted(key) + " in " + what;
         if (nearest)
             message += "; did you mean " + quoted(nearest) + "?";
-        keyError(object, key, Report::Error, message);
+        keyError(object, key, Diagnostics::Error, message);
     }
 }
 
@@ -380,7 +377,7 @@ void ContentCheck::checkActorFile(const Json::Value& root)
     known.push_back("Children");
     keys(root, "an actor", known);
     if (root.isMember("Children"))
-        keyError(root, "Children", Report::Warning,
+        keyError(root, "Children", Diagnostics::Warning,
                  "an actor's \"Children\" are not loaded: put them in the cels of \"Animation\"");
     graphic(root);
     if (objectArray(root, "Animation", true, "an actor"))
@@ -552,7 +549,7 @@ void ContentCheck::actor(const Json::Value& v, bool topLevel)
     known.push_back("Children");
     keys(v, "an actor", known);
     if (v.isMember("Children"))
-        keyError(v, "Children", Report::Warning,
+        keyError(v, "Children", Diagnostics::Warning,
                  "an actor's \"Children\" are not loaded: put them in the cels of \"Animation\"");
     long long id = 0;
     const std::vector<std::string>& defined = mDefinedAt[Actors];
@@ -560,7 +557,7 @@ void ContentCheck::actor(const Json::Value& v, bool topLevel)
         static_cast<unsigned int>(static_cast<int>(id)) < defined.size()) {
         // A placement of an earlier actor: a copy, placed by its own graphic keys.
         if (v.isMember("Animation"))
-            keyError(v, "Animation", Report::Error,
+            keyError(v, "Animation", Diagnostics::Error,
                      quoted("ID") + " " + std::to_string(id) + " places a copy of actor " + std::to_string(id) +
                          " (defined at " + defined[static_cast<size_t>(id)] + "): its \"Animation\" is not read");
         graphic(v);
@@ -629,13 +626,16 @@ void ContentCheck::checkBillboardImage(const std::string& name, const std::strin
         return;
     const std::string path = prefix + name;
     if (!ImageCheck::exists(path)) {
-        std::string message = mHasSheet ? "image " + quoted(name) + " is neither a picture of the sheet " +
-                                              quoted(mOptions.sheet) + " nor a file (" + quoted(path) + ")"
+        std::string sheets;
+        for (const std::string& sheet : mOptions.sheets)
+            sheets += (sheets.empty() ? "" : " or ") + quoted(sheet);
+        std::string message = mHasSheet ? "image " + quoted(name) + " is neither a picture of the sheet " + sheets +
+                                              " nor a file (" + quoted(path) + ")"
                                         : "image file " + quoted(path) + " not found";
         message += ": the placeholder is shown";
         if (!prefix.empty() && prefix.back() != '/' && ImageCheck::exists(prefix + "/" + name))
             message += " (the default path " + quoted(prefix) + " has no trailing \"/\")";
-        mReport.add(file, line, column, Report::Error, message);
+        mReport.add(file, line, column, Diagnostics::Error, message);
         return;
     }
     checkImageFile(path, "image", file, line, column);
@@ -645,7 +645,7 @@ void ContentCheck::checkImageFile(const std::string& path, const std::string& us
                                   int line, int column)
 {
     if (!ImageCheck::exists(path)) {
-        mReport.add(file, line, column, Report::Error, usedFor + " file " + quoted(path) + " not found");
+        mReport.add(file, line, column, Diagnostics::Error, usedFor + " file " + quoted(path) + " not found");
         return;
     }
     bool seen = false;
@@ -653,7 +653,7 @@ void ContentCheck::checkImageFile(const std::string& path, const std::string& us
     if (seen)
         return;
     for (const std::string& problem : problems)
-        mReport.add(file, line, column, Report::Error, problem);
+        mReport.add(file, line, column, Diagnostics::Error, problem);
 }
 
 void ContentCheck::checkPiece(const std::string& component, const std::string& variation, const std::string& file,
@@ -662,14 +662,14 @@ void ContentCheck::checkPiece(const std::string& component, const std::string& v
     loadCostumeComponents();
     std::map<std::string, std::vector<std::string> >::const_iterator it = mCostumeComponents.find(component);
     if (it == mCostumeComponents.end()) {
-        mReport.add(file, line, column, Report::Error,
+        mReport.add(file, line, column, Diagnostics::Error,
                     "component " + quoted(component) + " is not in the costume " + quoted(mOptions.costume) +
                         ": the piece shows nothing");
         return;
     }
     const std::vector<std::string>& variations = it->second;
     if (!variations.empty() && std::find(variations.begin(), variations.end(), variation) == variations.end())
-        mReport.add(file, line, column, Report::Error,
+        mReport.add(file, line, column, Diagnostics::Error,
                     "variation " + quoted(variation) + " of " + quoted(component) +
                         " is not in the costume: variation " + quoted(variations.front()) + " is shown instead");
 }
@@ -677,7 +677,7 @@ void ContentCheck::checkPiece(const std::string& component, const std::string& v
 void ContentCheck::checkAudio(const std::string& name, const std::string& file, int line, int column)
 {
     if (CSystemData::Instance()->FindAudio(name).empty())
-        mReport.add(file, line, column, Report::Warning, "audio " + quoted(name) + " not found by the asset lookup");
+        mReport.add(file, line, column, Diagnostics::Warning, "audio " + quoted(name) + " not found by the asset lookup");
 }
 
 // ---------------------------------------------------------------------------

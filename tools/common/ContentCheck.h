@@ -3,7 +3,7 @@
 
 #include "ImageCheck.h"
 #include "JsonDocument.h"
-#include "Report.h"
+#include "Diagnostics.h"
 #include "SceneFiles.h"
 
 #include <map>
@@ -23,7 +23,7 @@ public:
 
     /// The options give the sheet, costume, art path and default path that
     /// the tools would load the files with.
-    ContentCheck(Report& report, const SceneOptions& options);
+    ContentCheck(Diagnostics& report, const SceneOptions& options);
 
     /// The errors of the scene file of options, found quietly (nothing is
     /// printed, no listener is told); first is the first one.
@@ -57,7 +57,7 @@ private:
 
     void error(const Json::Value& at, const std::string& message);
     void warning(const Json::Value& at, const std::string& message);
-    void keyError(const Json::Value& object, const std::string& key, Report::Severity severity,
+    void keyError(const Json::Value& object, const std::string& key, Diagnostics::Severity severity,
                   const std::string& message);
 
     void loadSheetNames();
@@ -91,7 +91,7 @@ private:
     bool objectArray(const Json::Value& object, const char* key, bool required, const char* what);
     std::string placeText(const Json::Value& v) const;
 
-    Report& mReport;
+    Diagnostics& mReport;
     SceneOptions mOptions;
     ImageCheck mImages;
     std::set<std::string> mSheetNames;  ///< collation keys

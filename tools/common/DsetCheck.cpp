@@ -24,7 +24,7 @@ std::string quoted(const std::string& s) { return "\"" + s + "\""; }
 
 } // namespace
 
-DsetCheck::DsetCheck(Report& report, ContentCheck& content)
+DsetCheck::DsetCheck(Diagnostics& report, ContentCheck& content)
     : mReport(report), mContent(content), mReader(0), mWalkComplete(true)
 {
 }
@@ -43,7 +43,7 @@ bool DsetCheck::looksLikeDataset(const std::string& path)
 
 void DsetCheck::error(uint32_t offset, const std::string& message)
 {
-    mReport.add(mPath, 1, static_cast<int>(offset) + 1, Report::Error, message);
+    mReport.add(mPath, 1, static_cast<int>(offset) + 1, Diagnostics::Error, message);
 }
 
 void DsetCheck::error(const void* at, const std::string& message)
@@ -54,7 +54,7 @@ void DsetCheck::error(const void* at, const std::string& message)
 void DsetCheck::warning(const void* at, const std::string& message)
 {
     const uint32_t offset = static_cast<uint32_t>(static_cast<const char*>(at) - static_cast<const char*>(mDataset->base));
-    mReport.add(mPath, 1, static_cast<int>(offset) + 1, Report::Warning, message);
+    mReport.add(mPath, 1, static_cast<int>(offset) + 1, Diagnostics::Warning, message);
 }
 
 uint32_t DsetCheck::pointer(const uint32_t& field)

@@ -1,7 +1,7 @@
 #ifndef ZEPHRIN2D_CHECK_DSETCHECK_H
 #define ZEPHRIN2D_CHECK_DSETCHECK_H
 
-#include "Report.h"
+#include "Diagnostics.h"
 
 #include <boost/shared_ptr.hpp>
 #include <set>
@@ -19,7 +19,7 @@ class ContentCheck;
 class DsetCheck
 {
 public:
-    DsetCheck(Report& report, ContentCheck& content);
+    DsetCheck(Diagnostics& report, ContentCheck& content);
     ~DsetCheck();
 
     /// Whether path ends in ".dsetBin" or starts with the dataset magic number.
@@ -39,7 +39,7 @@ private:
     void checkActor(const void* data);
     void checkCostume(const void* data);
 
-    Report& mReport;
+    Diagnostics& mReport;
     ContentCheck& mContent;
     std::string mPath;
     std::string mRelinkPath;

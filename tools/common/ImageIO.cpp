@@ -4,31 +4,55 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 #include <png.h>
 
 namespace ImageIO {
 
-bool writePNG(const std::string& path, const tImage& image)
+namespace {
+
+// Only plain values live in the functions that call setjmp.
+bool writeRGBA(FILE* f, const tImage& image, bool opaque, std::vector<uint8_t>& row)
 {
-    FILE* f = fopen(path.c_str(), "wb");
-    if (!f)
-        return false;
     png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, 0, 0, 0);
     png_infop info = png ? png_create_info_struct(png) : 0;
     if (!png || !info || setjmp(png_jmpbuf(png))) {
         png_destroy_write_struct(&png, &info);
-        fclose(f);
         return false;
     }
     png_init_io(png, f);
     png_set_IHDR(png, info, image.width, image.height, 8, PNG_COLOR_TYPE_RGB_ALPHA, PNG_INTERLACE_NONE,
                  PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     png_write_info(png, info);
-    for (int y = 0; y < image.height; ++y)
-        png_write_row(png, const_cast<png_bytep>(image.at(0, y)));
+    for (int y = 0; y < image.height; ++y) {
+        memcpy(row.data(), image.at(0, y), row.size());
+        for (size_t a = 3; opaque && a < row.size(); a += 4)
+            row[a] = 255;
+        png_write_row(png, row.data());
+    }
     png_write_end(png, 0);
     png_destroy_write_struct(&png, &info);
-    return fclose(f) == 0;
+    return true;
+}
+
+} // namespace
+
+bool writePNG(const std::string& path, const tImage& image, bool opaque)
+{
+    if (image.width < 1 || image.height < 1 ||
+        image.rgba.size() != static_cast<size_t>(image.width) * static_cast<size_t>(image.height) * 4)
+        return false;
+    FILE* f = fopen(path.c_str(), "wb");
+    if (!f)
+        return false;
+    std::vector<uint8_t> row(static_cast<size_t>(image.width) * 4);
+    const bool written = writeRGBA(f, image, opaque, row);
+    return fclose(f) == 0 && written;
+}
+
+bool writePNG(const std::string& path, const tImage& image)
+{
+    return writePNG(path, image, false);
 }
 
 namespace {
@@ -92,22 +116,107 @@ bool writePalettedPNG(const std::string& path, int width, int height, int bits,
     return fclose(f) == 0 && written;
 }
 
-bool readPNG(const std::string& path, tImage& image)
+bool checkSize(long long width, long long height, std::string& error)
 {
-    png_image img;
-    memset(&img, 0, sizeof img);
-    img.version = PNG_IMAGE_VERSION;
-    if (!png_image_begin_read_from_file(&img, path.c_str()))
+    if (width < 1 || height < 1) {
+        error = "has no pixels";
         return false;
-    img.format = PNG_FORMAT_RGBA;
-    image.width = img.width;
-    image.height = img.height;
-    image.rgba.assign(PNG_IMAGE_SIZE(img), 0);
-    if (!png_image_finish_read(&img, 0, image.rgba.data(), 0, 0)) {
-        png_image_free(&img);
+    }
+    if (width > kMaxSide || height > kMaxSide || width * height > kMaxPixels) {
+        error = "is " + std::to_string(width) + "x" + std::to_string(height) + " pixels; the limit is " +
+                std::to_string(kMaxSide) + " pixels a side and " + std::to_string(kMaxPixels) + " pixels in all";
         return false;
     }
     return true;
+}
+
+namespace {
+
+struct tReadState
+{
+    char message[160];
+};
+
+void readError(png_structp png, png_const_charp text)
+{
+    tReadState* state = static_cast<tReadState*>(png_get_error_ptr(png));
+    snprintf(state->message, sizeof state->message, "%s", text);
+    png_longjmp(png, 1);
+}
+
+void readWarning(png_structp, png_const_charp) {}
+
+// The header is read and the size checked before the pixels get any memory.
+bool readRGBA(FILE* f, tImage& image, tReadState& state, std::string& limit, std::vector<png_bytep>& rows)
+{
+    png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, &state, readError, readWarning);
+    png_infop info = png ? png_create_info_struct(png) : 0;
+    if (!png || !info || setjmp(png_jmpbuf(png))) {
+        png_destroy_read_struct(&png, &info, 0);
+        return false;
+    }
+    png_set_user_limits(png, kMaxSide, kMaxSide);
+    png_set_chunk_malloc_max(png, 8u << 20);
+    png_init_io(png, f);
+    png_read_info(png, info);
+    const png_uint_32 width = png_get_image_width(png, info), height = png_get_image_height(png, info);
+    if (!checkSize(width, height, limit)) {
+        png_destroy_read_struct(&png, &info, 0);
+        return false;
+    }
+    png_set_scale_16(png);
+    png_set_packing(png);
+    png_set_palette_to_rgb(png);
+    png_set_expand_gray_1_2_4_to_8(png);
+    png_set_tRNS_to_alpha(png);
+    png_set_gray_to_rgb(png);
+    png_set_add_alpha(png, 0xff, PNG_FILLER_AFTER);
+    png_set_interlace_handling(png);
+    png_read_update_info(png, info);
+    image.width = static_cast<int>(width);
+    image.height = static_cast<int>(height);
+    image.rgba.assign(static_cast<size_t>(width) * height * 4, 0);
+    rows.resize(height);
+    for (png_uint_32 y = 0; y < height; ++y)
+        rows[y] = &image.rgba[static_cast<size_t>(y) * width * 4];
+    png_read_image(png, rows.data());
+    png_read_end(png, 0);
+    png_destroy_read_struct(&png, &info, 0);
+    return true;
+}
+
+} // namespace
+
+bool readPNG(const std::string& path, tImage& image, std::string& error)
+{
+    FILE* f = fopen(path.c_str(), "rb");
+    if (!f) {
+        error = "cannot be read";
+        return false;
+    }
+    unsigned char signature[8] = {0};
+    const bool isPNG = fread(signature, 1, 8, f) == 8 && png_sig_cmp(signature, 0, 8) == 0;
+    rewind(f);
+    tReadState state;
+    state.message[0] = 0;
+    std::string limit;
+    std::vector<png_bytep> rows;
+    const bool ok = isPNG && readRGBA(f, image, state, limit, rows);
+    fclose(f);
+    if (!ok) {
+        error = !isPNG ? "not a PNG file"
+                : !limit.empty() ? limit
+                : "the PNG file is damaged or of an unsupported kind" +
+                      (state.message[0] ? " (" + std::string(state.message) + ")" : std::string());
+        image = tImage();
+    }
+    return ok;
+}
+
+bool readPNG(const std::string& path, tImage& image)
+{
+    std::string error;
+    return readPNG(path, image, error);
 }
 
 tDifference compare(const tImage& a, const tImage& b, int tolerance)

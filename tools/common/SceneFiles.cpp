@@ -1,5 +1,7 @@
 #include "SceneFiles.h"
 
+#include "Paths.h"
+
 #include "CActor2D.h"
 #include "CAvatarCostume.h"
 #include "CBaseActor.h"
@@ -23,79 +25,25 @@ bool readable(const std::string& path)
 
 } // namespace
 
-bool SceneOptions::splitValue(std::string& arg, std::string& value)
-{
-    const size_t eq = arg.find('=');
-    if (eq == std::string::npos)
-        return false;
-    value = arg.substr(eq + 1);
-    arg = arg.substr(0, eq);
-    return true;
-}
-
-int SceneOptions::parse(int argc, char** argv, int& i, std::string& error)
-{
-    std::string arg = argv[i];
-    std::string value;
-    const bool hasValue = splitValue(arg, value);
-    std::string actor;
-    std::string* target = arg == "--sheet" ? &sheet
-                        : arg == "--actor" ? &actor
-                        : arg == "--costume" ? &costume
-                        : arg == "--art-path" ? &artPath
-                        : arg == "--default-path" ? &defaultPath
-                        : 0;
-    if (!target)
-        return 0;
-    if (!hasValue) {
-        if (i + 1 >= argc) {
-            error = arg + " needs a value";
-            return -1;
-        }
-        value = argv[++i];
-    }
-    if (value.empty() && arg != "--default-path") {
-        error = arg + " needs a value";
-        return -1;
-    }
-    *target = value;
-    if (arg == "--actor")
-        actors.push_back(value);
-    if (arg == "--default-path")
-        hasDefaultPath = true;
-    return 1;
-}
-
 std::string SceneOptions::billboardPrefix() const
 {
     if (hasDefaultPath)
         return defaultPath;
-    const size_t slash = scene.rfind('/');
-    return slash == std::string::npos ? std::string() : scene.substr(0, slash + 1);
+    return directoryOf(scene);
 }
 
 std::string SceneOptions::checkArguments() const
 {
     std::string args;
-    const std::pair<const char*, const std::string*> options[] = {
-        {"--sheet", &sheet}, {"--costume", &costume}, {"--art-path", &artPath}};
-    for (const auto& option : options)
-        if (!option.second->empty())
-            args += std::string(option.first) + " " + *option.second + " ";
+    for (const std::string& sheet : sheets)
+        args += "--sheet " + sheet + " ";
+    if (!costume.empty())
+        args += "--costume " + costume + " ";
+    for (const std::string& dir : artPaths)
+        args += "--art-path " + dir + " ";
     if (hasDefaultPath)
         args += "--default-path '" + defaultPath + "' ";
     return args + scene;
-}
-
-const char* SceneOptions::help()
-{
-    return "  --sheet FILE        a texture-sheet description for the scene's billboards\n"
-           "  --costume FILE      an avatar costume (JSON or .dsetBin) for avatar pieces\n"
-           "  --art-path DIR      a directory searched for art (before ZEPHRIN2D_ART_PATH)\n"
-           "  --default-path P    prefix of billboard file names (plain concatenation;\n"
-           "                      default: the scene file's directory)\n"
-           "  --actor FILE        also an actor file (JSON or .dsetBin), at its own\n"
-           "                      position, with the sheet and costume; repeatable\n";
 }
 
 SceneFiles::SceneFiles(const SceneOptions& options) : mOptions(options), mArtPathAdded(false) {}
@@ -121,17 +69,21 @@ bool SceneFiles::loadFiles(std::string& error)
         error = mOptions.scene + ": cannot be read";
         return false;
     }
-    const std::string* files[2] = {&mOptions.sheet, &mOptions.costume};
-    for (const std::string* file : files)
-        if (!file->empty() && !readable(*file))
-            std::fprintf(stderr, "%s: cannot be read\n", file->c_str());
-    if (!mOptions.artPath.empty() && !mArtPathAdded) {
-        CSystemData::Instance()->AddArtPath(mOptions.artPath);
+    std::vector<std::string> files = mOptions.sheets;
+    files.push_back(mOptions.costume);
+    for (const std::string& file : files)
+        if (!file.empty() && !readable(file))
+            std::fprintf(stderr, "%s: cannot be read\n", file.c_str());
+    if (!mArtPathAdded) {
+        for (const std::string& dir : mOptions.artPaths)
+            CSystemData::Instance()->AddArtPath(dir);
         mArtPathAdded = true;
     }
     CSceneLoaderJson loader;
-    if (!mOptions.sheet.empty()) {
-        mSheet.reset(new CTextureSheet(mOptions.sheet));
+    if (!mOptions.sheets.empty()) {
+        mSheet.reset(new CTextureSheet());
+        for (const std::string& sheet : mOptions.sheets)
+            mSheet->addFromJson(sheet);
         loader.setTextureSheet(mSheet.get());
     }
     if (!mOptions.costume.empty()) {

@@ -3,6 +3,7 @@
 
 #include "CActorManager.h"
 #include "CGraphicElement.h"
+#include "CommandLine.h"
 
 #include <boost/shared_ptr.hpp>
 #include <memory>
@@ -13,28 +14,15 @@ class AvatarCostume;
 class CTextureSheet;
 
 /// The files a scene is drawn from, as the render tool and the viewer take them.
-struct SceneOptions
+struct SceneOptions : ContentOptions
 {
-    std::string scene;        ///< the scene file (a JSON array of elements)
-    std::string sheet;        ///< --sheet: a texture-sheet description
-    std::string costume;      ///< --costume: an avatar costume (every LOD)
-    std::string artPath;      ///< --art-path: a directory searched for art
-    std::string defaultPath;  ///< --default-path: prefix of billboard file names
-    bool hasDefaultPath = false;
-    std::vector<std::string> actors;  ///< --actor: actor files (JSON or .dsetBin) added to the scene
+    std::string scene;  ///< the scene file (a JSON array of elements)
 
-    /// Takes argv[i] (and its value) when it is a scene option: returns 1 when
-    /// taken, 0 when it is no scene option, -1 on a bad value (error says why).
-    int parse(int argc, char** argv, int& i, std::string& error);
     /// What billboard file names are put behind: --default-path when given,
     /// else the scene file's directory (with its slash).
     std::string billboardPrefix() const;
     /// The arguments that make zephrin2d-check look at these files as they are loaded.
     std::string checkArguments() const;
-    /// The option lines for --help.
-    static const char* help();
-    /// Splits "--name=value" into arg and value; returns whether a value was given.
-    static bool splitValue(std::string& arg, std::string& value);
 };
 
 /// A scene loaded from its files, registered for drawing, its actors updated

@@ -1,5 +1,7 @@
 #include "ImageCheck.h"
 
+#include "Paths.h"
+
 #include <QJN.h>
 #include <SystemData.h>
 
@@ -14,20 +16,13 @@ bool isFile(const std::string& path)
     return stat(path.c_str(), &st) == 0 && S_ISREG(st.st_mode);
 }
 
-std::string directoryOf(const std::string& path)
-{
-    const size_t slash = path.rfind('/');
-    return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
-}
-
 /// The picture names of a sheet; its missing bitmaps are missing images too.
-std::set<std::string> sheetNames(const std::string& sheetPath, std::vector<std::string>& missing)
+void sheetNames(const std::string& sheetPath, std::set<std::string>& names, std::vector<std::string>& missing)
 {
-    std::set<std::string> names;
     QJN::CJSonFile file(sheetPath, 0);
     if (!file.Load()) {
         missing.push_back(sheetPath + ": the texture sheet cannot be read");
-        return names;
+        return;
     }
     const QJN::Value bitmaps = file.getRoot()["ImageData"];
     for (unsigned int i = 0; i < bitmaps.size(); ++i) {
@@ -40,13 +35,12 @@ std::set<std::string> sheetNames(const std::string& sheetPath, std::vector<std::
         for (unsigned int k = 0; k < images.size(); ++k)
             names.insert(images[k]["Name"].asString());
     }
-    return names;
 }
 
 } // namespace
 
 bool checkImages(DsetCompiler::tKind kind, const std::string& jsonPath, const std::string& datasetPath,
-                 const std::string& sheetPath, std::vector<std::string>& missing)
+                 const std::vector<std::string>& sheetPaths, std::vector<std::string>& missing)
 {
     const size_t before = missing.size();
     QJN::CJSonFile file(jsonPath, 0);
@@ -66,7 +60,12 @@ bool checkImages(DsetCompiler::tKind kind, const std::string& jsonPath, const st
         }
         return missing.size() == before;
     }
-    const std::set<std::string> names = sheetPath.empty() ? std::set<std::string>() : sheetNames(sheetPath, missing);
+    std::set<std::string> names;
+    std::string sheets;
+    for (const std::string& sheetPath : sheetPaths) {
+        sheetNames(sheetPath, names, missing);
+        sheets += (sheets.empty() ? "" : " nor ") + sheetPath;
+    }
     const QJN::Value cels = root["Animation"];
     for (unsigned int i = 0; i < cels.size(); ++i) {
         const QJN::Value children = cels[i]["Children"];
@@ -79,7 +78,7 @@ bool checkImages(DsetCompiler::tKind kind, const std::string& jsonPath, const st
                 continue;
             missing.push_back(jsonPath + ": Animation[" + std::to_string(i) + "].Children[" + std::to_string(k) +
                               "].URL: image \"" + url + "\" not found: " +
-                              (sheetPath.empty() ? "no texture sheet given (--sheet), " : "not in " + sheetPath + ", ") +
+                              (sheets.empty() ? "no texture sheet given (--sheet), " : "not in " + sheets + ", ") +
                               "no file " + dir + url);
         }
     }

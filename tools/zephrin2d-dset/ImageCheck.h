@@ -12,6 +12,6 @@
 /// texture beside the dataset, then through the art lookup. Each image found
 /// nowhere gives one message in missing, naming it and where it was sought.
 bool checkImages(DsetCompiler::tKind kind, const std::string& jsonPath, const std::string& datasetPath,
-                 const std::string& sheetPath, std::vector<std::string>& missing);
+                 const std::vector<std::string>& sheetPaths, std::vector<std::string>& missing);
 
 #endif

@@ -47,7 +47,7 @@ bool verifyActor(const std::string& jsonPath, const std::string& dsetPath, Avata
                  CTextureSheet* sheet, std::string& error);
 
 bool verifyDataset(DsetCompiler::tKind kind, const std::string& jsonPath, const std::string& dsetPath,
-                   const std::string& costumePath, const std::string& sheetPath, std::string& error)
+                   const std::string& costumePath, const std::vector<std::string>& sheetPaths, std::string& error)
 {
     if (kind == DsetCompiler::KIND_COSTUME) {
         AvatarCostume fromJson, fromDset;
@@ -59,7 +59,7 @@ bool verifyDataset(DsetCompiler::tKind kind, const std::string& jsonPath, const 
     if (!costumePath.empty())
         costume.addFromFile(costumePath, 0, 0);
     CTextureSheet sheet;
-    if (!sheetPath.empty())
+    for (const std::string& sheetPath : sheetPaths)
         sheet.addFromJson(sheetPath);
-    return verifyActor(jsonPath, dsetPath, costumePath.empty() ? 0 : &costume, sheetPath.empty() ? 0 : &sheet, error);
+    return verifyActor(jsonPath, dsetPath, costumePath.empty() ? 0 : &costume, sheetPaths.empty() ? 0 : &sheet, error);
 }

@@ -4,12 +4,13 @@
 #include "DsetCompiler.h"
 
 #include <string>
+#include <vector>
 
 /// Loads a compiled dataset back and checks that it holds the same content
 /// as its JSON source; on a difference, error says where.
 /// costumePath (may be empty) dresses an actor's avatar pieces; billboards
-/// look their images up in the texture sheet at sheetPath (may be empty) first.
+/// look their images up in the texture sheets at sheetPaths (may be none) first.
 bool verifyDataset(DsetCompiler::tKind kind, const std::string& jsonPath, const std::string& dsetPath,
-                   const std::string& costumePath, const std::string& sheetPath, std::string& error);
+                   const std::string& costumePath, const std::vector<std::string>& sheetPaths, std::string& error);
 
 #endif

@@ -1,7 +1,9 @@
 // zephrin2d-dset: compiles an actor or costume JSON file into a dataset.
+#include "CommandLine.h"
 #include "DsetCompiler.h"
 #include "ImageCheck.h"
 #include "LoadReport.h"
+#include "Paths.h"
 #include "Verify.h"
 
 #include "CGraphics2D.h"
@@ -13,110 +15,92 @@
 #include <string>
 #include <vector>
 
-static void usage(FILE* out)
+static const char* const kAbout =
+    "Compiles an actor JSON file (an object with \"Animation\") or a costume JSON\n"
+    "file (an object with \"LODList\") into NAME.dsetBin and NAME.relinkBin.\n";
+
+static const char* const kEpilog =
+    "Every image is looked up as the runtime will for the dataset: a billboard's\n"
+    "name in the sheets, then as a file beside the dataset; a costume texture\n"
+    "beside the dataset, then in the art directories. A missing image is an\n"
+    "error, named with where it was sought. --sheet, --costume and --art-path\n"
+    "are used for the lookups and --verify; --actor and --default-path are taken\n"
+    "as by every tool and not used.\n"
+    "\n"
+    "Errors name the file and the JSON path of the offending value.\n"
+    "Exit status: 0 success, 1 compile or verify error, 2 bad usage.\n";
+
+struct tDsetOptions
 {
-    fprintf(out,
-            "Usage: zephrin2d-dset [options] INPUT.json\n"
-            "\n"
-            "Compiles an actor JSON file (an object with \"Animation\") or a costume JSON\n"
-            "file (an object with \"LODList\") into NAME.dsetBin and NAME.relinkBin.\n"
-            "\n"
-            "Options:\n"
-            "  -o, --output NAME  write NAME.dsetBin and NAME.relinkBin\n"
-            "                     (default: INPUT without its .json extension)\n"
-            "  --verify           load the dataset back and check that it holds the same\n"
-            "                     content as the JSON file (needs a GL context: headless)\n"
-            "  --costume FILE     the costume that an actor's avatar pieces come from\n"
-            "                     (for --verify of an actor with avatar pieces)\n"
-            "  --sheet FILE       the texture sheet the actor's billboards are looked up in\n"
-            "                     first, as the runtime will be given it\n"
-            "  --art-path DIR     a directory searched for art (costume textures) before\n"
-            "                     ZEPHRIN2D_ART_PATH; may be given more than once\n"
-            "  -h, --help         show this help\n"
-            "\n"
-            "Every image is looked up as the runtime will for the dataset: a billboard's\n"
-            "name in the sheet, then as a file beside the dataset; a costume texture\n"
-            "beside the dataset, then in the art directories. A missing image is an\n"
-            "error, named with where it was sought.\n"
-            "\n"
-            "Errors name the file and the JSON path of the offending value.\n"
-            "Exit status: 0 success, 1 compile or verify error, 2 bad usage.\n");
+    ContentOptions content;
+    std::vector<std::string> inputs;
+    std::string input;
+    std::string output;
+    bool verify = false;
+};
+
+static bool parse(int argc, char** argv, tDsetOptions& o, int& status)
+{
+    CommandLine line("zephrin2d-dset", "INPUT.json", kAbout);
+    line.text("--output", "NAME", "write NAME.dsetBin and NAME.relinkBin\n(default: INPUT without its .json extension)",
+              o.output, "-o");
+    line.flag("--verify", "load the dataset back and check that it holds the same\ncontent as the JSON file (needs "
+                          "a GL context: headless)",
+              o.verify);
+    line.content(o.content);
+    line.operands("input file", 1, 1, o.inputs);
+    line.epilog(kEpilog);
+    if (!line.parse(argc, argv, status))
+        return false;
+    o.input = o.inputs[0];
+    if (o.output.empty())
+        o.output = endsWith(o.input, ".json") ? o.input.substr(0, o.input.size() - 5) : o.input;
+    for (const std::string& dir : o.content.artPaths)
+        CSystemData::Instance()->AddArtPath(dir);
+    return true;
+}
+
+static int verify(DsetCompiler::tKind kind, const tDsetOptions& o)
+{
+    std::string error;
+    CGraphics2D::Instance()->init(tVect2{tFixed(16), tFixed(16)}, tColor{0, 0, 0, 255}, 0, 0);
+    const bool same = verifyDataset(kind, o.input, o.output + ".dsetBin", o.content.costume, o.content.sheets, error);
+    CGraphics2D::Instance()->cleanup();
+    if (!same) {
+        fprintf(stderr, "zephrin2d-dset: verify failed: %s\n", error.c_str());
+        return 1;
+    }
+    printf("%s.dsetBin: verified\n", o.output.c_str());
+    return 0;
 }
 
 int main(int argc, char** argv)
 {
-    std::string input, output, costume, sheet;
-    bool verify = false;
-    for (int i = 1; i < argc; ++i) {
-        const std::string arg = argv[i];
-        if (arg == "-h" || arg == "--help") {
-            usage(stdout);
-            return 0;
-        } else if (arg == "--verify") {
-            verify = true;
-        } else if (arg == "--costume" || arg == "--sheet" || arg == "--art-path") {
-            if (++i >= argc) {
-                fprintf(stderr, "zephrin2d-dset: %s needs a value\n", arg.c_str());
-                return 2;
-            }
-            if (arg == "--art-path")
-                CSystemData::Instance()->AddArtPath(argv[i]);
-            else
-                (arg == "--costume" ? costume : sheet) = argv[i];
-        } else if (arg == "-o" || arg == "--output") {
-            if (++i >= argc) {
-                fprintf(stderr, "zephrin2d-dset: %s needs a value\n", arg.c_str());
-                return 2;
-            }
-            output = argv[i];
-        } else if (!arg.empty() && arg[0] == '-') {
-            fprintf(stderr, "zephrin2d-dset: unknown option %s (see --help)\n", arg.c_str());
-            return 2;
-        } else if (input.empty()) {
-            input = arg;
-        } else {
-            fprintf(stderr, "zephrin2d-dset: only one input file is taken\n");
-            return 2;
-        }
-    }
-    if (input.empty()) {
-        usage(stderr);
-        return 2;
-    }
-    if (output.empty()) {
-        output = input;
-        if (output.size() > 5 && output.compare(output.size() - 5, 5, ".json") == 0)
-            output.resize(output.size() - 5);
-    }
+    tDsetOptions o;
+    int status = 0;
+    if (!parse(argc, argv, o, status))
+        return status;
     LoadReport report;
     std::string error;
-    DsetCompiler::tKind kind = DsetCompiler::detectKind(input, error);
+    DsetCompiler::tKind kind = DsetCompiler::detectKind(o.input, error);
     std::vector<std::string> missing;
     // --verify also loads the JSON file, whose images are sought beside it.
     if (kind != DsetCompiler::KIND_UNKNOWN &&
-        (!checkImages(kind, input, output + ".dsetBin", sheet, missing) ||
-         (verify && !checkImages(kind, input, input, sheet, missing)))) {
+        (!checkImages(kind, o.input, o.output + ".dsetBin", o.content.sheets, missing) ||
+         (o.verify && !checkImages(kind, o.input, o.input, o.content.sheets, missing)))) {
         for (const std::string& m : missing)
             fprintf(stderr, "zephrin2d-dset: %s\n", m.c_str());
         return 1;
     }
-    if (!DsetCompiler::compileFile(input, output, kind, error)) {
+    if (!DsetCompiler::compileFile(o.input, o.output, kind, error)) {
         fprintf(stderr, "zephrin2d-dset: %s\n", error.c_str());
         return 1;
     }
-    printf("%s: wrote %s.dsetBin and %s.relinkBin\n", input.c_str(), output.c_str(), output.c_str());
-    if (verify) {
-        CGraphics2D::Instance()->init(tVect2{tFixed(16), tFixed(16)}, tColor{0, 0, 0, 255}, 0, 0);
-        const bool same = verifyDataset(kind, input, output + ".dsetBin", costume, sheet, error);
-        CGraphics2D::Instance()->cleanup();
-        if (!same) {
-            fprintf(stderr, "zephrin2d-dset: verify failed: %s\n", error.c_str());
-            return 1;
-        }
-        printf("%s.dsetBin: verified\n", output.c_str());
-    }
+    printf("%s: wrote %s.dsetBin and %s.relinkBin\n", o.input.c_str(), o.output.c_str(), o.output.c_str());
+    if (o.verify && verify(kind, o) != 0)
+        return 1;
     if (report.count() > 0) {
-        fprintf(stderr, "zephrin2d-dset: %s\n", report.summary(input).c_str());
+        fprintf(stderr, "zephrin2d-dset: %s\n", report.summary(o.input).c_str());
         return 1;
     }
     return 0;

@@ -1,4 +1,5 @@
 // zephrin2d-dump: prints the XML document of an actor or costume JSON file.
+#include "CommandLine.h"
 #include "DsetDump.h"
 #include "DsetSource.h"
 #include "LoadReport.h"
@@ -10,50 +11,45 @@
 #include <string>
 #include <unistd.h>
 
-static void usage(FILE* out)
+static const char* const kAbout =
+    "Prints on standard output the XML document describing an actor JSON file\n"
+    "(an object with \"Animation\") or a costume JSON file (an object with\n"
+    "\"LODList\"), framed by start and end lines that name the file. A dataset\n"
+    "compiled from such a file (FILE.dsetBin beside its FILE.relinkBin) gives\n"
+    "the same document. The file is FILE, or the one --actor or --costume names:\n"
+    "it is then read as that kind and refused when it is the other.\n";
+
+static const char* const kEpilog =
+    "Exit status: 0 success, 1 unreadable file or unknown content, 2 bad usage\n"
+    "(including a file of the other kind than --actor or --costume asks for).\n";
+
+/// The file to dump and the kind asked for ("actor", "costume" or empty).
+static bool parse(int argc, char** argv, std::string& path, std::string& kind, int& status)
 {
-    fprintf(out,
-            "Usage: zephrin2d-dump [--actor | --costume] FILE.json|FILE.dsetBin\n"
-            "\n"
-            "Prints on standard output the XML document describing an actor JSON file\n"
-            "(an object with \"Animation\") or a costume JSON file (an object with\n"
-            "\"LODList\"), framed by start and end lines that name the file. A dataset\n"
-            "compiled from such a file (FILE.dsetBin beside its FILE.relinkBin) gives\n"
-            "the same document.\n"
-            "\n"
-            "Options:\n"
-            "  --actor      read the file as an actor (refused when it is a costume)\n"
-            "  --costume    read the file as a costume (refused when it is an actor)\n"
-            "  -h, --help   show this help\n"
-            "\n"
-            "Exit status: 0 success, 1 unreadable file or unknown content, 2 bad usage\n"
-            "(including a file of the other kind than --actor or --costume asks for).\n");
+    ContentOptions content;
+    std::vector<std::string> files;
+    CommandLine line("zephrin2d-dump", "FILE.json|FILE.dsetBin", kAbout);
+    line.content(content);
+    line.operands("file", 0, 1, files);
+    line.epilog(kEpilog);
+    if (!line.parse(argc, argv, status))
+        return false;
+    const size_t given = files.size() + content.actors.size() + !content.costume.empty();
+    if (given != 1) {
+        status = line.usageError(given ? "only one file is taken" : "no file given");
+        return false;
+    }
+    kind = !content.costume.empty() ? "costume" : content.actors.empty() ? "" : "actor";
+    path = !files.empty() ? files[0] : !content.costume.empty() ? content.costume : content.actors[0];
+    return true;
 }
 
 int main(int argc, char** argv)
 {
     std::string path, kind;
-    for (int i = 1; i < argc; ++i) {
-        const std::string arg = argv[i];
-        if (arg == "-h" || arg == "--help") {
-            usage(stdout);
-            return 0;
-        } else if (arg == "--actor" || arg == "--costume") {
-            kind = arg.substr(2);
-        } else if (!arg.empty() && arg[0] == '-') {
-            fprintf(stderr, "zephrin2d-dump: unknown option %s (see --help)\n", arg.c_str());
-            return 2;
-        } else if (path.empty()) {
-            path = arg;
-        } else {
-            fprintf(stderr, "zephrin2d-dump: only one file is taken\n");
-            return 2;
-        }
-    }
-    if (path.empty()) {
-        usage(stderr);
-        return 2;
-    }
+    int status = 0;
+    if (!parse(argc, argv, path, kind, status))
+        return status;
     LoadReport report;
     std::string jsonPath = path, detected, tmp;
     const bool dataset = path.size() > 8 && path.compare(path.size() - 8, 8, ".dsetBin") == 0;

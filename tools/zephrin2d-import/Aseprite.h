@@ -1,7 +1,8 @@
 #ifndef ZEPHRIN2D_IMPORT_ASEPRITE_H
 #define ZEPHRIN2D_IMPORT_ASEPRITE_H
 
-#include "Diagnostics.h"
+#include "JsonDocument.h"
+#include "Paths.h"
 #include "ImportResult.h"
 
 /// Aseprite's sprite-sheet JSON ("hash" or "array" frames): one actor, one

@@ -1,6 +1,6 @@
 #include "ImageFiles.h"
 
-#include "Diagnostics.h"
+#include "Paths.h"
 #include "ImportLimits.h"
 
 #include <cstdio>

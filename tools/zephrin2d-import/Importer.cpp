@@ -1,6 +1,7 @@
 #include "Importer.h"
 
 #include "Aseprite.h"
+#include "ImportLimits.h"
 #include "JsonFields.h"
 #include "MapImporter.h"
 
@@ -58,7 +59,7 @@ bool writeFile(const std::string& path, const std::string& text)
 int runImport(const tImportOptions& options, Diagnostics& diag, std::vector<std::string>& report)
 {
     std::string text, why;
-    if (!readTextFile(options.input, text, &why)) {
+    if (!readTextFile(options.input, text, why, ImportLimits::MAX_FILE_BYTES)) {
         diag.error(options.input, 1, 1, why);
         return 1;
     }
@@ -116,7 +117,7 @@ int runImport(const tImportOptions& options, Diagnostics& diag, std::vector<std:
     mkdir(options.outDir.c_str(), 0777);
     if (!SheetPacker::pack(pictures, pack, sheet, errors) || !SheetPacker::write(sheet, pack.output, errors)) {
         for (const std::string& e : errors)
-            diag.errorLine(e);
+            diag.addLine(e);
         return 1;
     }
     if (!writeFile(base + ".json", result.content)) {

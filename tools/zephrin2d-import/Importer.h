@@ -1,7 +1,8 @@
 #ifndef ZEPHRIN2D_IMPORT_IMPORTER_H
 #define ZEPHRIN2D_IMPORT_IMPORTER_H
 
-#include "Diagnostics.h"
+#include "JsonDocument.h"
+#include "Paths.h"
 #include "SheetPacker.h"
 
 #include <string>

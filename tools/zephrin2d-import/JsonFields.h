@@ -1,7 +1,8 @@
 #ifndef ZEPHRIN2D_IMPORT_JSONFIELDS_H
 #define ZEPHRIN2D_IMPORT_JSONFIELDS_H
 
-#include "Diagnostics.h"
+#include "JsonDocument.h"
+#include "Paths.h"
 
 /// Reads typed members, reporting a missing or mistyped one at its place.
 /// Every reader checks the value's type before using it, so no jsoncpp

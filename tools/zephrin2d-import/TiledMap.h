@@ -1,7 +1,8 @@
 #ifndef ZEPHRIN2D_IMPORT_TILEDMAP_H
 #define ZEPHRIN2D_IMPORT_TILEDMAP_H
 
-#include "Diagnostics.h"
+#include "JsonDocument.h"
+#include "Paths.h"
 
 #include <stdint.h>
 #include <map>

@@ -20,7 +20,7 @@ public:
     bool load()
     {
         std::string text, why;
-        if (!readTextFile(mPath, text, &why)) {
+        if (!readTextFile(mPath, text, why, ImportLimits::MAX_FILE_BYTES)) {
             mDiag.error(mPath, 1, 1, why);
             return false;
         }

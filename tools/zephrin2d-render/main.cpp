@@ -3,6 +3,7 @@
 #include "Demo.h"
 #include "SceneDemo.h"
 
+#include "CommandLine.h"
 #include "GLRecorder.h"
 #include "ImageIO.h"
 #include "ContentCheck.h"
@@ -34,134 +35,70 @@ struct tOptions
     std::string contactSheet;
     int every = 0;
     bool stats = false;
-    bool help = false;
 };
-
-void printHelp()
-{
-    std::printf(
-        "Usage: %s [OPTIONS] [SCENE.json]\n"
-        "Draws frames with Zephrin2D on a headless GL surface and writes them as PNG.\n"
-        "\n"
-        "  --size WxH     surface size in pixels (default 320x240)\n"
-        "  --frames N     number of frames to draw (default 1)\n"
-        "  --dt MS        milliseconds between two frames (default 33)\n"
-        "  --out FILE.png write the last frame to FILE.png\n"
-        "  --out DIR/     write every frame as DIR/frame-0000.png, DIR/frame-0001.png, ...\n"
-        "                 (a path ending in '/' or an existing directory is a directory;\n"
-        "                 it is made when missing). Without --out nothing is written.\n"
-        "  --stats        print one JSON object per frame on standard output:\n"
-        "                 {\"frame\":i,\"drawCalls\":n,\"uploadBytes\":n,\"cpuMicros\":n}\n"
-        "                 drawCalls and uploadBytes count GL draw calls and bytes sent to GL\n"
-        "                 buffers; cpuMicros is the CPU time of the frame before the swap\n"
-        "  --demo NAME    the demo to draw (default shapes)\n"
-        "  --count N      a number for the demo, see below (default: the demo's own)\n"
-        "  --contact-sheet FILE.png\n"
-        "                 also tile every Nth frame, numbered, into one picture\n"
-        "  --every N      the N of --contact-sheet (default: about 12 frames in all)\n"
-        "  --help         show this text\n"
-        "\n"
-        "  SCENE.json     a scene file to draw instead of a demo; its actors play.\n"
-        "                 With a scene file:\n"
-        "%s"
-        "\n"
-        "Options also take the form --name=value. Bad options exit with status 2.\n"
-        "\n"
-        "Demos:\n",
-        kTool, SceneOptions::help());
-    for (const std::string& name : DemoRegistry::names()) {
-        std::unique_ptr<Demo> demo = DemoRegistry::create(name);
-        std::printf("  %-12s %s\n", name.c_str(), demo->summary());
-    }
-}
 
 bool usageError(const std::string& message)
 {
-    std::fprintf(stderr, "%s: %s\n%s: try --help\n", kTool, message.c_str(), kTool);
+    std::fprintf(stderr, "%s: %s (see --help)\n", kTool, message.c_str());
     return false;
 }
 
-bool parseInt(const std::string& text, int low, int high, int& value)
+std::string demoList()
 {
-    if (text.empty())
-        return false;
-    char* end = 0;
-    errno = 0;
-    const long v = std::strtol(text.c_str(), &end, 10);
-    if (errno != 0 || *end != '\0' || v < low || v > high)
-        return false;
-    value = static_cast<int>(v);
-    return true;
-}
-
-bool parseSize(const std::string& text, int& width, int& height)
-{
-    const size_t x = text.find('x');
-    return x != std::string::npos && parseInt(text.substr(0, x), 1, 8192, width) &&
-           parseInt(text.substr(x + 1), 1, 8192, height);
-}
-
-bool parseOptions(int argc, char** argv, tOptions& options)
-{
-    for (int i = 1; i < argc; ++i) {
-        std::string arg = argv[i];
-        if (arg.compare(0, 2, "--") != 0 || arg == "--") {
-            if (arg.size() > 1 && arg[0] == '-')
-                return usageError("unknown option '" + arg + "'");
-            if (!options.scene.empty())
-                return usageError("one scene file at most, got '" + options.scene + "' and '" + arg + "'");
-            options.scene = arg;
-            continue;
-        }
-        std::string sceneError;
-        const int taken = options.sceneFiles.parse(argc, argv, i, sceneError);
-        if (taken < 0)
-            return usageError(sceneError);
-        if (taken > 0)
-            continue;
-        std::string value;
-        const bool hasValue = SceneOptions::splitValue(arg, value);
-        if (arg == "--help" || arg == "--stats") {
-            if (hasValue)
-                return usageError(arg + " takes no value");
-            (arg == "--help" ? options.help : options.stats) = true;
-            continue;
-        }
-        if (arg != "--size" && arg != "--frames" && arg != "--dt" && arg != "--out" && arg != "--demo" &&
-            arg != "--count" && arg != "--contact-sheet" && arg != "--every")
-            return usageError("unknown option '" + arg + "'");
-        if (!hasValue) {
-            if (i + 1 >= argc)
-                return usageError(arg + " needs a value");
-            value = argv[++i];
-        }
-        if (arg == "--size") {
-            if (!parseSize(value, options.demo.width, options.demo.height))
-                return usageError("--size needs WxH with each side 1 to 8192, got '" + value + "'");
-        } else if (arg == "--frames") {
-            if (!parseInt(value, 1, 1000000, options.demo.frames))
-                return usageError("--frames needs a number from 1 to 1000000, got '" + value + "'");
-        } else if (arg == "--dt") {
-            if (!parseInt(value, 0, 3600000, options.demo.dtMs))
-                return usageError("--dt needs milliseconds from 0 to 3600000, got '" + value + "'");
-        } else if (arg == "--count") {
-            if (!parseInt(value, 0, 1000000, options.demo.count))
-                return usageError("--count needs a number from 0 to 1000000, got '" + value + "'");
-        } else if (arg == "--every") {
-            if (!parseInt(value, 1, 1000000, options.every))
-                return usageError("--every needs a number from 1 to 1000000, got '" + value + "'");
-        } else if (arg == "--contact-sheet") {
-            if (value.empty())
-                return usageError("--contact-sheet needs a file name");
-            options.contactSheet = value;
-        } else if (arg == "--out") {
-            if (value.empty())
-                return usageError("--out needs a file or directory name");
-            options.out = value;
-        } else {
-            options.demoName = value;
-        }
+    std::string text = "Demos:\n";
+    for (const std::string& name : DemoRegistry::names()) {
+        std::unique_ptr<Demo> demo = DemoRegistry::create(name);
+        char line[160];
+        std::snprintf(line, sizeof line, "  %-12s %s\n", name.c_str(), demo->summary());
+        text += line;
     }
+    return text;
+}
+
+const char* const kAbout =
+    "Draws frames with Zephrin2D on a headless GL surface and writes them as PNG.\n"
+    "SCENE.json is a scene file to draw instead of a demo; its actors play.\n"
+    "--actor files alone are drawn without a scene file. The content options\n"
+    "(--sheet, --costume, --art-path, --default-path, --actor) go with them.\n";
+
+/// --size WxH, each side 1 to limit.
+CommandLine::tTake sizeTaker(int& width, int& height, int limit)
+{
+    return [&width, &height, limit](const std::string& v) {
+        int w = 0, h = 0;
+        char tail = 0;
+        if (std::sscanf(v.c_str(), "%dx%d%c", &w, &h, &tail) != 2 || w < 1 || h < 1 || w > limit || h > limit)
+            return "--size needs WxH with each side 1 to " + std::to_string(limit) + ", got '" + v + "'";
+        width = w;
+        height = h;
+        return std::string();
+    };
+}
+
+bool parseOptions(int argc, char** argv, tOptions& o, int& status)
+{
+    std::vector<std::string> scenes;
+    CommandLine line(kTool, "[SCENE.json]", kAbout);
+    line.add({"--size", "", "WxH", "surface size in pixels (default 320x240)", sizeTaker(o.demo.width, o.demo.height, 8192)});
+    line.number("--frames", "N", "number of frames to draw (default 1)", 1, 1000000, o.demo.frames);
+    line.number("--dt", "MS", "milliseconds between two frames (default 33)", 0, 3600000, o.demo.dtMs);
+    line.text("--out", "PATH", "FILE.png: write the last frame to FILE.png\nDIR/: write every frame as "
+              "DIR/frame-0000.png, ...\n(a path ending in '/' or an existing directory is a\ndirectory; it is made "
+              "when missing). Without --out\nnothing is written. Frames are written opaque.", o.out);
+    line.flag("--stats", "print one JSON object per frame on standard output:\n"
+              "{\"frame\":i,\"drawCalls\":n,\"uploadBytes\":n,\"cpuMicros\":n}\n"
+              "drawCalls and uploadBytes count GL draw calls and bytes\nsent to GL buffers; cpuMicros is the CPU "
+              "time of the\nframe before the swap", o.stats);
+    line.text("--demo", "NAME", "the demo to draw (default shapes)", o.demoName);
+    line.number("--count", "N", "a number for the demo, see below (default: the demo's own)", 0, 1000000, o.demo.count);
+    line.text("--contact-sheet", "FILE.png", "also tile every Nth frame, numbered, into one picture", o.contactSheet);
+    line.number("--every", "N", "the N of --contact-sheet (default: about 12 frames in all)", 1, 1000000, o.every);
+    line.content(o.sceneFiles);
+    line.operands("scene file", 0, 1, scenes);
+    line.epilog(demoList());
+    if (!line.parse(argc, argv, status))
+        return false;
+    o.scene = scenes.empty() ? std::string() : scenes[0];
     return true;
 }
 
@@ -299,16 +236,13 @@ int run(const tOptions& options, Demo& demo)
 int main(int argc, char** argv)
 {
     tOptions options;
-    if (!parseOptions(argc, argv, options))
-        return 2;
-    if (options.help) {
-        printHelp();
-        return 0;
-    }
+    int status = 0;
+    if (!parseOptions(argc, argv, options, status))
+        return status;
     std::unique_ptr<Demo> demo = makeSource(options);
     if (!demo)
         return 2;
-    const int status = run(options, *demo);
+    status = run(options, *demo);
     demo.reset();  // its elements go before the context
     CGraphics2D::Instance()->cleanup();
     return status;

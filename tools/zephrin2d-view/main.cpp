@@ -1,4 +1,5 @@
 // zephrin2d-view: a scene file in an X11 window, animated in real time.
+#include "CommandLine.h"
 #include "ContentCheck.h"
 #include "GLRecorder.h"
 #include "LoadReport.h"
@@ -33,61 +34,35 @@ struct tOptions
     std::string screenshot;
 };
 
-void printHelp()
-{
-    std::printf("Usage: %s [OPTIONS] SCENE.json\n"
-                "Shows a scene file in a window and plays its actors in real time.\n"
-                "\n"
-                "%s"
-                "  --size WxH          window size (default 320x240)\n"
-                "  --frames N          quit after N frames (for scripts and tests)\n"
-                "  --screenshot FILE   write the last frame to FILE.png when quitting\n"
-                "  --help              show this text\n"
-                "\n"
-                "Keys: space pauses and resumes, right arrow steps one frame (33 ms),\n"
-                "r reloads every file from disk, q or Escape quits.\n"
-                "The title shows frames per second, draw calls and uploaded bytes per frame.\n",
-                kTool, SceneOptions::help());
-}
+const char* const kAbout = "Shows a scene file in a window and plays its actors in real time.\n";
 
-bool usageError(const std::string& message)
-{
-    std::fprintf(stderr, "%s: %s\n%s: try --help\n", kTool, message.c_str(), kTool);
-    return false;
-}
+const char* const kEpilog =
+    "Keys: space pauses and resumes, right arrow steps one frame (33 ms),\n"
+    "r reloads every file from disk, q or Escape quits.\n"
+    "The title shows frames per second, draw calls and uploaded bytes per frame.\n";
 
-bool parse(int argc, char** argv, tOptions& o, bool& help)
+bool parse(int argc, char** argv, tOptions& o, int& status)
 {
-    for (int i = 1; i < argc; ++i) {
-        std::string error;
-        const int taken = o.files.parse(argc, argv, i, error);
-        if (taken < 0)
-            return usageError(error);
-        if (taken > 0)
-            continue;
-        const std::string arg = argv[i];
-        if (arg == "--help") {
-            help = true;
-        } else if (arg == "--size" && i + 1 < argc) {
-            if (std::sscanf(argv[++i], "%dx%d", &o.width, &o.height) != 2 || o.width < 1 || o.height < 1 ||
-                o.width > 4096 || o.height > 4096)
-                return usageError("--size needs WxH, each side 1 to 4096");
-        } else if (arg == "--frames" && i + 1 < argc) {
-            o.frames = std::atoi(argv[++i]);
-            if (o.frames < 1)
-                return usageError("--frames needs a number above 0");
-        } else if (arg == "--screenshot" && i + 1 < argc) {
-            o.screenshot = argv[++i];
-        } else if (!arg.empty() && arg[0] == '-') {
-            return usageError("unknown option or missing value '" + arg + "'");
-        } else if (o.files.scene.empty()) {
-            o.files.scene = arg;
-        } else {
-            return usageError("one scene file at most");
-        }
-    }
-    if (!help && o.files.scene.empty())
-        return usageError("no scene file given");
+    std::vector<std::string> scenes;
+    CommandLine line(kTool, "SCENE.json", kAbout);
+    line.content(o.files);
+    line.add({"--size", "", "WxH", "window size (default 320x240), each side 1 to 4096",
+              [&o](const std::string& v) {
+                  int w = 0, h = 0;
+                  char tail = 0;
+                  if (std::sscanf(v.c_str(), "%dx%d%c", &w, &h, &tail) != 2 || w < 1 || h < 1 || w > 4096 || h > 4096)
+                      return "--size needs WxH, each side 1 to 4096, got '" + v + "'";
+                  o.width = w;
+                  o.height = h;
+                  return std::string();
+              }});
+    line.number("--frames", "N", "quit after N frames (for scripts and tests)", 1, 100000000, o.frames);
+    line.text("--screenshot", "FILE", "write the last frame to FILE.png when quitting", o.screenshot);
+    line.operands("scene file", 1, 1, scenes);
+    line.epilog(kEpilog);
+    if (!line.parse(argc, argv, status))
+        return false;
+    o.files.scene = scenes[0];
     return true;
 }
 
@@ -269,14 +244,10 @@ int view(const tOptions& o)
 int main(int argc, char** argv)
 {
     tOptions options;
-    bool help = false;
-    if (!parse(argc, argv, options, help))
-        return 2;
-    if (help) {
-        printHelp();
-        return 0;
-    }
-    const int status = view(options);
+    int status = 0;
+    if (!parse(argc, argv, options, status))
+        return status;
+    status = view(options);
     CGraphics2D::Instance()->cleanup();
     return status;
 }
