@@ -11,6 +11,7 @@ void Diagnostics::add(const std::string& file, int line, int column, Severity se
     if (!mSeen.insert(std::make_tuple(file, line, column, message)).second)
         return;
     mDiagnostics.push_back(tDiagnostic{file, line, column, severity, message});
+    mLines.push_back(format(mDiagnostics.back()));
     ++(severity == Error ? mErrors : severity == Warning ? mWarnings : mNotes);
 }
 
@@ -70,14 +71,6 @@ std::string Diagnostics::firstError() const
         if (d.severity == Error)
             return d.file + ":" + std::to_string(d.line) + ":" + std::to_string(d.column) + ": " + d.message;
     return std::string();
-}
-
-std::vector<std::string> Diagnostics::lines() const
-{
-    std::vector<std::string> out;
-    for (const tDiagnostic& d : mDiagnostics)
-        out.push_back(format(d));
-    return out;
 }
 
 void Diagnostics::printText(std::ostream& out) const

@@ -50,7 +50,7 @@ public:
     /// The first error as FILE:LINE:COLUMN: message (empty without errors).
     std::string firstError() const;
     /// Every diagnostic as one line, in the order found.
-    std::vector<std::string> lines() const;
+    const std::vector<std::string>& lines() const { return mLines; }
 
     /// The lines by file (in the order first met) and place, then the summary line.
     void printText(std::ostream& out) const;
@@ -66,6 +66,7 @@ private:
 
     std::string mTool;
     std::vector<tDiagnostic> mDiagnostics;
+    std::vector<std::string> mLines;
     std::set<std::tuple<std::string, int, int, std::string> > mSeen;
     int mErrors = 0;
     int mWarnings = 0;
