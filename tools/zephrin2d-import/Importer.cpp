@@ -54,49 +54,50 @@ bool writeFile(const std::string& path, const std::string& text)
     return rename(temp.c_str(), path.c_str()) == 0;
 }
 
-} // namespace
-
-int runImport(const tImportOptions& options, Diagnostics& diag, std::vector<std::string>& report)
+// Reads the input and makes its pictures and content; false when refused.
+bool importInput(const tImportOptions& options, const std::string& name, tImportResult& result, Diagnostics& diag)
 {
     std::string text, why;
     if (!readTextFile(options.input, text, why, ImportLimits::MAX_FILE_BYTES)) {
         diag.error(options.input, 1, 1, why);
-        return 1;
+        return false;
     }
     JsonDocument doc;
-    const bool looksJson = text.find_first_not_of(" \t\r\n") != std::string::npos &&
-                           text[text.find_first_not_of(" \t\r\n")] == '{';
+    const size_t first = text.find_first_not_of(" \t\r\n");
+    const bool looksJson = first != std::string::npos && text[first] == '{';
     if (looksJson && !doc.load(options.input, diag))
-        return 1;
-    const std::string name = options.name.empty() ? stemOf(options.input) : options.name;
-
-    tImportResult result;
-    bool ok = false;
+        return false;
+    tTiledMap map;
     switch (detect(text, doc)) {
     case eKind::Aseprite: {
         tAsepriteOptions a;
         a.name = name;
         a.once = options.once;
-        ok = importAseprite(doc, a, result, diag);
-        break;
+        return importAseprite(doc, a, result, diag);
     }
     case eKind::TiledJson:
-    case eKind::Tmx: {
-        tTiledMap map;
-        ok = (looksJson ? readTiledJsonMap(doc, map, diag) : readTmxMap(options.input, map, diag)) &&
-             importTiledMap(map, result, diag);
-        break;
-    }
+    case eKind::Tmx:
+        return (looksJson ? readTiledJsonMap(doc, map, diag) : readTmxMap(options.input, map, diag)) &&
+               importTiledMap(map, result, diag);
     case eKind::Tileset:
         diag.error(options.input, 1, 1, "a tileset alone is not imported: import a map that uses it");
-        return 1;
+        return false;
     case eKind::Unknown:
-        diag.error(options.input, 1, 1,
-                   "neither an Aseprite sprite sheet (JSON with \"frames\" and \"meta\") nor a Tiled map "
-                   "(.tmx, or JSON with \"layers\" and \"tilesets\")");
-        return 1;
+        break;
     }
-    if (!ok || diag.failed())
+    diag.error(options.input, 1, 1,
+               "neither an Aseprite sprite sheet (JSON with \"frames\" and \"meta\") nor a Tiled map "
+               "(.tmx, or JSON with \"layers\" and \"tilesets\")");
+    return false;
+}
+
+} // namespace
+
+int runImport(const tImportOptions& options, Diagnostics& diag, std::vector<std::string>& report)
+{
+    const std::string name = options.name.empty() ? stemOf(options.input) : options.name;
+    tImportResult result;
+    if (!importInput(options, name, result, diag) || diag.failed())
         return 1;
 
     std::vector<SheetPacker::tPicture> pictures;

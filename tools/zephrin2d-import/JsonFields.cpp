@@ -17,17 +17,25 @@ bool JsonFields::present(const Json::Value& object, const char* key, bool requir
     return false;
 }
 
+const Json::Value* JsonFields::typed(const Json::Value& object, const char* key, bool required,
+                                     bool (Json::Value::*is)() const, const char* wanted, bool& ok)
+{
+    ok = !required;
+    if (!present(object, key, required))
+        return nullptr;
+    const Json::Value& v = object[key];
+    ok = (v.*is)();
+    if (!ok)
+        error(v, std::string("\"") + key + "\" must be " + wanted);
+    return ok ? &v : nullptr;
+}
+
 bool JsonFields::integer(const Json::Value& object, const char* key, int& out, bool required)
 {
-    if (!present(object, key, required))
-        return !required;
-    const Json::Value& v = object[key];
-    if (!v.isInt()) {
-        error(v, std::string("\"") + key + "\" must be an integer");
-        return false;
-    }
-    out = v.asInt();
-    return true;
+    bool ok = false;
+    if (const Json::Value* v = typed(object, key, required, &Json::Value::isInt, "an integer", ok))
+        out = v->asInt();
+    return ok;
 }
 
 bool JsonFields::integer(const Json::Value& object, const char* key, int& out, int min, int max, bool required)
@@ -46,18 +54,15 @@ bool JsonFields::integer(const Json::Value& object, const char* key, int& out, i
 
 bool JsonFields::string(const Json::Value& object, const char* key, std::string& out, bool required)
 {
-    if (!present(object, key, required))
-        return !required;
-    const Json::Value& v = object[key];
-    if (!v.isString()) {
-        error(v, std::string("\"") + key + "\" must be a string");
-        return false;
-    }
+    bool ok = false;
+    const Json::Value* v = typed(object, key, required, &Json::Value::isString, "a string", ok);
+    if (!v)
+        return ok;
     const char* begin = nullptr;
     const char* end = nullptr;
-    v.getString(&begin, &end);
+    v->getString(&begin, &end);
     if (size_t(end - begin) > ImportLimits::MAX_STRING_BYTES) {
-        error(v, ImportLimits::atMost(std::string("\"") + key + "\"'s length", long(ImportLimits::MAX_STRING_BYTES)));
+        error(*v, ImportLimits::atMost(std::string("\"") + key + "\"'s length", long(ImportLimits::MAX_STRING_BYTES)));
         return false;
     }
     out.assign(begin, end);
@@ -66,38 +71,25 @@ bool JsonFields::string(const Json::Value& object, const char* key, std::string&
 
 bool JsonFields::boolean(const Json::Value& object, const char* key, bool& out)
 {
-    if (!present(object, key, false))
-        return true;
-    const Json::Value& v = object[key];
-    if (!v.isBool()) {
-        error(v, std::string("\"") + key + "\" must be true or false");
-        return false;
-    }
-    out = v.asBool();
-    return true;
+    bool ok = false;
+    if (const Json::Value* v = typed(object, key, false, &Json::Value::isBool, "true or false", ok))
+        out = v->asBool();
+    return ok;
 }
 
 bool JsonFields::number(const Json::Value& object, const char* key, double& out)
 {
-    if (!present(object, key, false))
-        return true;
-    const Json::Value& v = object[key];
-    if (!v.isNumeric()) {
-        error(v, std::string("\"") + key + "\" must be a number");
-        return false;
-    }
-    out = v.asDouble();
-    return true;
+    bool ok = false;
+    if (const Json::Value* v = typed(object, key, false, &Json::Value::isNumeric, "a number", ok))
+        out = v->asDouble();
+    return ok;
 }
 
 bool JsonFields::member(const Json::Value& object, const char* key, Json::ValueType type, bool required)
 {
-    if (!present(object, key, required))
-        return !required;
-    const Json::Value& v = object[key];
-    if (v.type() != type) {
-        error(v, std::string("\"") + key + "\" must be " + (type == Json::arrayValue ? "an array" : "an object"));
-        return false;
-    }
-    return true;
+    bool ok = false;
+    const bool array = type == Json::arrayValue;
+    typed(object, key, required, array ? &Json::Value::isArray : &Json::Value::isObject, array ? "an array" : "an object",
+          ok);
+    return ok;
 }

@@ -33,6 +33,10 @@ public:
 
 private:
     bool present(const Json::Value& object, const char* key, bool required);
+    /// The member when it is there and `is` holds for it; ok is false when a
+    /// required one is missing or it is of another type (both reported).
+    const Json::Value* typed(const Json::Value& object, const char* key, bool required,
+                             bool (Json::Value::*is)() const, const char* wanted, bool& ok);
 
     const JsonDocument& mDoc;
     Diagnostics& mDiag;

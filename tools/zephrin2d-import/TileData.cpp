@@ -54,6 +54,28 @@ bool inflateAll(const std::string& in, size_t expected, std::string& out)
     return status == Z_STREAM_END;
 }
 
+bool decodeCsv(const std::string& text, size_t count, std::vector<uint32_t>& gids, std::string& error)
+{
+    const char* p = text.c_str();
+    while (*p) {
+        while (*p && (std::isspace(static_cast<unsigned char>(*p)) || *p == ','))
+            ++p;
+        if (!*p)
+            break;
+        char* end = nullptr;
+        const unsigned long long v = *p == '-' ? ~0ull : strtoull(p, &end, 10);
+        if (end == p || !end || v > 0xFFFFFFFFull) {
+            error = "the CSV tile data holds something that is not a tile number";
+            return false;
+        }
+        if (gids.size() > count)
+            break;
+        gids.push_back(static_cast<uint32_t>(v));
+        p = end;
+    }
+    return true;
+}
+
 } // namespace
 
 bool decodeTileData(const std::string& encoding, const std::string& compression, const std::string& text,
@@ -61,23 +83,8 @@ bool decodeTileData(const std::string& encoding, const std::string& compression,
 {
     gids.clear();
     if (encoding == "csv") {
-        const char* p = text.c_str();
-        while (*p) {
-            while (*p && (std::isspace(static_cast<unsigned char>(*p)) || *p == ','))
-                ++p;
-            if (!*p)
-                break;
-            char* end = nullptr;
-            const unsigned long v = strtoul(p, &end, 10);
-            if (end == p || v > 0xFFFFFFFFul) {
-                error = "the CSV tile data holds something that is not a tile number";
-                return false;
-            }
-            if (gids.size() > count)
-                break;
-            gids.push_back(static_cast<uint32_t>(v));
-            p = end;
-        }
+        if (!decodeCsv(text, count, gids, error))
+            return false;
     } else if (encoding == "base64") {
         std::string bytes, raw;
         if (!base64Decode(text, bytes)) {

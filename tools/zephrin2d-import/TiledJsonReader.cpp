@@ -162,12 +162,7 @@ bool readLayerData(JsonFields& f, const Json::Value& v, const tTiledMap& map, tT
         f.error(v, "the layer has no \"data\"");
         return false;
     }
-    if (w != map.width || h != map.height) {
-        f.error(v, "the layer is " + std::to_string(w) + "x" + std::to_string(h) + " tiles, the map " +
-                       std::to_string(map.width) + "x" + std::to_string(map.height));
-        return false;
-    }
-    const std::string limit = layerLimitProblem(map);
+    const std::string limit = layerProblem(map, w, h);
     if (!limit.empty()) {
         f.error(v, limit);
         return false;
@@ -219,9 +214,8 @@ bool readLayerArray(JsonFields& f, const Json::Value& layers, tTiledMap& map, co
             ok = false;
             continue;
         }
-        if (type == "objectgroup" || type == "imagelayer")
-            f.warning(v, (type == "imagelayer" ? "image layer \"" : "object layer \"") + name +
-                             "\" is left out: only tile layers are imported");
+        if (!droppedLayerMessage(type, name).empty())
+            f.warning(v, droppedLayerMessage(type, name));
         if (type != "tilelayer" && type != "group")
             continue;
         tTiledLayer layer;

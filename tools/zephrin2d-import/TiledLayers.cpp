@@ -44,15 +44,22 @@ std::string droppedMessage(const std::string& owner, const char* what)
     return std::string("not imported: ") + what + " of " + owner;
 }
 
+std::string droppedLayerMessage(const std::string& kind, const std::string& name)
+{
+    if (kind != "objectgroup" && kind != "imagelayer")
+        return std::string();
+    return (kind == "imagelayer" ? "image layer \"" : "object layer \"") + name +
+           "\" is left out: only tile layers are imported";
+}
+
 bool parseTiledColor(const std::string& text, uint8_t rgba[4])
 {
     const std::string hex = !text.empty() && text[0] == '#' ? text.substr(1) : text;
     if (hex.size() != 6 && hex.size() != 8)
         return false;
-    char* end = nullptr;
-    const unsigned long v = strtoul(hex.c_str(), &end, 16);
-    if (*end || hex.find_first_of("+- ") != std::string::npos)
+    if (hex.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
         return false;
+    const unsigned long v = strtoul(hex.c_str(), nullptr, 16);
     rgba[0] = (v >> 16) & 0xFF;
     rgba[1] = (v >> 8) & 0xFF;
     rgba[2] = v & 0xFF;
@@ -101,8 +108,11 @@ std::string mapSizeProblem(const tTiledMap& map)
     return std::string();
 }
 
-std::string layerLimitProblem(const tTiledMap& map)
+std::string layerProblem(const tTiledMap& map, int width, int height)
 {
+    if (width != map.width || height != map.height)
+        return "the layer is " + std::to_string(width) + "x" + std::to_string(height) + " tiles, the map " +
+               std::to_string(map.width) + "x" + std::to_string(map.height);
     if (map.layers.size() >= size_t(MAX_LAYERS))
         return atMost("the number of tile layers", MAX_LAYERS);
     if ((int64_t(map.layers.size()) + 1) * map.width * map.height > MAX_ALL_LAYER_CELLS)

@@ -76,10 +76,13 @@ extern const std::vector<tDroppedFeature> DROPPED_TILESET_FEATURES;
 extern const std::vector<tDroppedFeature> DROPPED_TILE_FEATURES;
 /// The warning about a dropped feature: "not imported: WHAT of OWNER".
 std::string droppedMessage(const std::string& owner, const char* what);
+/// The warning about a layer of another kind than tiles ("objectgroup" or
+/// "imagelayer", as both forms name them); empty for the kinds imported.
+std::string droppedLayerMessage(const std::string& kind, const std::string& name);
 
-/// Empty when one more tile layer of the map's size fits the importer's
-/// limits (layer count, cells of all layers), else why not.
-std::string layerLimitProblem(const tTiledMap& map);
+/// Empty when one more tile layer of width x height tiles is the map's size
+/// and fits the importer's limits (layer count, cells of all layers), else why not.
+std::string layerProblem(const tTiledMap& map, int width, int height);
 
 const uint32_t TILED_FLIP_H = 0x80000000u;
 const uint32_t TILED_FLIP_V = 0x40000000u;

@@ -17,6 +17,20 @@ class TmxFile
 public:
     TmxFile(const std::string& path, Diagnostics& diag) : mPath(path), mDiag(diag) {}
 
+    /// The root element when the file is XML whose root is `name`, else null (reported).
+    const XMLElement* loadRoot(const char* name, const char* kind)
+    {
+        if (!load())
+            return nullptr;
+        const XMLElement* root = mDoc.RootElement();
+        if (!root || strcmp(root->Name(), name) != 0) {
+            mDiag.error(mPath, root ? root->GetLineNum() : 1, 1,
+                        std::string("not a Tiled ") + kind + " (no <" + name + "> element)");
+            return nullptr;
+        }
+        return root;
+    }
+
     bool load()
     {
         std::string text, why;
@@ -87,7 +101,6 @@ public:
 
     const std::string& path() const { return mPath; }
     Diagnostics& diagnostics() { return mDiag; }
-    XMLDocument& doc() { return mDoc; }
 
 private:
     std::string mPath;
@@ -201,12 +214,7 @@ bool readLayerData(TmxFile& file, const XMLElement* e, const tTiledMap& map, tTi
     int w = 0, h = 0;
     if (!file.integer(e, "width", w, 1, MAX_MAP_SIDE) || !file.integer(e, "height", h, 1, MAX_MAP_SIDE))
         return false;
-    if (w != map.width || h != map.height) {
-        file.error(e, "the layer is " + std::to_string(w) + "x" + std::to_string(h) + " tiles, the map " +
-                          std::to_string(map.width) + "x" + std::to_string(map.height));
-        return false;
-    }
-    const std::string limit = layerLimitProblem(map);
+    const std::string limit = layerProblem(map, w, h);
     if (!limit.empty()) {
         file.error(e, limit);
         return false;
@@ -251,9 +259,9 @@ bool readLayers(TmxFile& file, const XMLElement* parent, tTiledMap& map, const t
     bool ok = true;
     for (const XMLElement* e = parent->FirstChildElement(); e; e = e->NextSiblingElement()) {
         const std::string kind = e->Name();
-        if (kind == "objectgroup" || kind == "imagelayer")
-            file.warning(e, (kind == "imagelayer" ? "image layer \"" : "object layer \"") +
-                                file.attribute(e, "name") + "\" is left out: only tile layers are imported");
+        const std::string dropped = droppedLayerMessage(kind, file.attribute(e, "name"));
+        if (!dropped.empty())
+            file.warning(e, dropped);
         if (kind != "layer" && kind != "group")
             continue;
         tTiledLayer layer;
@@ -304,26 +312,16 @@ bool readTilesets(TmxFile& file, const XMLElement* root, tTiledMap& map)
 bool readTsxTileset(const std::string& path, tTiledTileset& tileset, Diagnostics& diag)
 {
     TmxFile file(path, diag);
-    if (!file.load())
-        return false;
-    const XMLElement* root = file.doc().RootElement();
-    if (!root || strcmp(root->Name(), "tileset") != 0) {
-        diag.error(path, root ? root->GetLineNum() : 1, 1, "not a Tiled tileset (no <tileset> element)");
-        return false;
-    }
-    return readTilesetElement(file, root, tileset);
+    const XMLElement* root = file.loadRoot("tileset", "tileset");
+    return root && readTilesetElement(file, root, tileset);
 }
 
 bool readTmxMap(const std::string& path, tTiledMap& map, Diagnostics& diag)
 {
     TmxFile file(path, diag);
-    if (!file.load())
+    const XMLElement* root = file.loadRoot("map", "map");
+    if (!root)
         return false;
-    const XMLElement* root = file.doc().RootElement();
-    if (!root || strcmp(root->Name(), "map") != 0) {
-        diag.error(path, root ? root->GetLineNum() : 1, 1, "not a Tiled map (no <map> element)");
-        return false;
-    }
     map.file = path;
     const std::string orientation = file.attribute(root, "orientation");
     if (orientation != "orthogonal") {
