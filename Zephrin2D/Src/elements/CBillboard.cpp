@@ -237,3 +237,9 @@ void CBillboard::draw(tColor*)
     glTexCoordPointer(2, GL_FIXED, 0, &chunk->getTexCoords()[0]);
     glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
 }
+
+tVect2 CBillboard::getPictureSize() const
+{
+    const tRect2 box = getBounds(tMatrix23());
+    return box.IsEmpty() ? VECT2_0 : tVect2{box.right - box.left, box.top - box.bottom};
+}

@@ -54,6 +54,9 @@ public:
     /// Pixel size of the whole texture last set (0 when none).
     tFixed getWidth() const { return tFixed(static_cast<int>(mWidth)); }
     tFixed getHeight() const { return tFixed(static_cast<int>(mHeight)); }
+    /// Width and height of what the quad shows: a sheet picture's own size,
+    /// where getWidth() and getHeight() give its page's. (0, 0) without a quad.
+    tVect2 getPictureSize() const;
 
     using CGraphicElement::draw;
     /// Draws the quad at once, outside the draw manager, in the current

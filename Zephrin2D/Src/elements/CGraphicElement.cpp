@@ -129,6 +129,49 @@ tMatrix23 CGraphicElement::getMatrix()
     return mMatrix;
 }
 
+tMatrix23 CGraphicElement::currentMatrix() const
+{
+    return mMatrixDirty ? tMatrix23(mReg, mScale, mRotation, mPosition) : mMatrix;
+}
+
+// getChunks() is where an actor gives its current cel and a text lays itself
+// out; neither changes what the element shows.
+tRect2 CGraphicElement::getBounds(const tMatrix23& m) const
+{
+    tRect2 box = tRect2::Empty();
+    const tChunkList& chunks = const_cast<CGraphicElement*>(this)->getChunks();
+    for (size_t i = 0; i < chunks.size(); ++i) {
+        if (!chunks[i])
+            continue;
+        const std::vector<tVect3>& vertices = chunks[i]->getVertices();
+        for (size_t j = 0; j < vertices.size(); ++j) {
+            const tVect3 p = m * vertices[j];
+            box.Include(tVect2{p.x, p.y});
+        }
+    }
+    return box;
+}
+
+void CGraphicElement::flipHorizontal()
+{
+    const tRect2 box = getBounds(tMatrix23());
+    if (box.IsEmpty())
+        return;
+    mReg.x = box.left + box.right - mReg.x;
+    mScale.x = -mScale.x;
+    markDirtyVertices();
+}
+
+void CGraphicElement::flipVertical()
+{
+    const tRect2 box = getBounds(tMatrix23());
+    if (box.IsEmpty())
+        return;
+    mReg.y = box.bottom + box.top - mReg.y;
+    mScale.y = -mScale.y;
+    markDirtyVertices();
+}
+
 void CGraphicElement::markDirtyVertices()
 {
     mMatrixDirty = true;

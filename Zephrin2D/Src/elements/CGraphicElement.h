@@ -2,6 +2,7 @@
 #define ZEPHRIN2D_CGRAPHICELEMENT_H
 
 #include "tMatrix23.h"
+#include "tRect2.h"
 
 #include <boost/enable_shared_from_this.hpp>
 #include <boost/shared_ptr.hpp>
@@ -92,6 +93,22 @@ public:
     /// Whether batched drawing applies the colour (enabled here or for all).
     bool drawsColor() const;
 
+    /// The screen-space rectangle around what the element shows: its
+    /// geometry (for an actor, the current cel's) transformed by its current
+    /// transform. Empty (tRect2::IsEmpty) when it shows nothing. A text
+    /// whose settings changed lays itself out first.
+    tRect2 getBounds() const { return getBounds(currentMatrix()); }
+    /// The same under any transform; the identity gives the element-space box.
+    virtual tRect2 getBounds(const tMatrix23& transform) const;
+    /// Whether point lies in getBounds() (tRect2::Contains).
+    bool contains(tVect2 point) const { return getBounds().Contains(point); }
+    /// Mirrors what the element shows left to right (or top to bottom) about
+    /// the centre of its element-space box, without moving it: the scale is
+    /// negated and the registration point mirrored about that centre, so
+    /// getBounds() stays where it was. Twice gives back the first state.
+    void flipHorizontal();
+    void flipVertical();
+
     void setDrawManaged(bool managed) { mDrawManaged = managed; }
     bool isDrawManaged() const { return mDrawManaged; }
 
@@ -99,6 +116,8 @@ protected:
     void applyPlacement();
     /// The colour changed: the lists holding the chunks take it at the next frame.
     void colorChanged();
+    /// The cached matrix, or a fresh one when the transform changed since.
+    tMatrix23 currentMatrix() const;
 
     tMatrix23 mMatrix;
     tVect3 mPosition;

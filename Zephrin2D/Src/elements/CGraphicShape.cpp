@@ -120,6 +120,16 @@ void CGraphicShape::popTransform()
     CGraphicElement::popTransform();
 }
 
+tRect2 CGraphicShape::getBounds(const tMatrix23& m) const
+{
+    tRect2 box = tRect2::Empty();
+    for (unsigned int i = 0; mVertices && i < mVertexCount; ++i) {
+        const tVect3 p = m * tVect3{mVertices[i].x, mVertices[i].y, ZERO_X};
+        box.Include(tVect2{p.x, p.y});
+    }
+    return box;
+}
+
 void CGraphicShape::drawArrays(unsigned int primitive, unsigned int count)
 {
     BaseUtils::Assert(count <= mVertexCount, kFile, __LINE__,

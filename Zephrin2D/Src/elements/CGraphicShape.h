@@ -38,6 +38,10 @@ public:
     /// Restores texturing and the texture-coordinate array.
     void popTransform() override;
 
+    using CGraphicElement::getBounds;
+    /// Around the vertex array (shapes have no chunks).
+    tRect2 getBounds(const tMatrix23& transform) const override;
+
 protected:
     /// glDrawArrays with at most as many vertices as the array holds.
     void drawArrays(unsigned int primitive, unsigned int count);

@@ -89,6 +89,15 @@ tTextureSheetElement CTextureSheet::getElement(const Glib::ustring& name)
     return tTextureSheetElement();
 }
 
+tVect2 CTextureSheet::getPictureSize(const Glib::ustring& name) const
+{
+    std::map<std::string, tTextureSheetElement>::const_iterator it = textureMap.find(name.collate_key());
+    if (it == textureMap.end())
+        return VECT2_0;
+    const tVect2 d = it->second.p2 - it->second.p1;
+    return tVect2{d.x < ZERO_X ? -d.x : d.x, d.y < ZERO_X ? -d.y : d.y};
+}
+
 void CTextureSheet::debugDump()
 {
     const Tadwick::Vell::CDebugMPI& d = debug();

@@ -46,6 +46,9 @@ public:
     static Glib::ustring bitmapPath(const Glib::ustring& sheetPath, const Glib::ustring& bitmap);
     /// A copy of the named picture; all zero with an empty texture when unknown.
     tTextureSheetElement getElement(const Glib::ustring& name);
+    /// Width and height in pixels of the picture of that name (from P1 to
+    /// P2, whichever corner comes first); (0, 0), quietly, when there is none.
+    tVect2 getPictureSize(const Glib::ustring& name) const;
     /// Lists every picture on the debug service (level 3).
     void debugDump();
 
