@@ -27,7 +27,7 @@ public:
     bool contains(const void* p, size_t bytes) const;
 
 private:
-    friend boost::shared_ptr<CDataset> LoadDataset(const char*, const char*);
+    friend boost::shared_ptr<CDataset> LoadDatasetOrThrow(const char*, const char*);
     CDataset();
     size_t mMapped;
 };
@@ -35,7 +35,10 @@ private:
 /// Loads "path" with the relink file "relinkPath". Returns an empty reference,
 /// after a message on the debug service, when either file cannot be read or
 /// the dataset breaks a rule (bad header, relink offset outside the file or
-/// unaligned, pointer outside the file, no memory below 4 GiB).
+/// unaligned, pointer outside the file, no memory below 4 GiB, a file over
+/// the size limit, checked before it is read). No exception leaves it.
 boost::shared_ptr<CDataset> LoadDataset(const char* path, const char* relinkPath);
+/// LoadDataset's work; lets std::bad_alloc through.
+boost::shared_ptr<CDataset> LoadDatasetOrThrow(const char* path, const char* relinkPath);
 
 #endif

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <exception>
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -14,6 +15,9 @@
 namespace {
 
 const uint64_t kBelow4GiB = 0x100000000ull;
+// No handheld content comes near this; a larger file is refused before any memory is spent on it.
+const uint32_t kMaxDatasetMiB = 256;
+const uint64_t kMaxDatasetBytes = uint64_t(kMaxDatasetMiB) << 20;
 
 uint32_t readLE32(const uint8_t* p)
 {
@@ -34,14 +38,16 @@ void fail(const char* format, const char* path, unsigned a = 0, unsigned b = 0)
     Tadwick::Vell::CDebugMPI().DebugOut(1, full.c_str(), path, a, b);
 }
 
-// Reads a whole file; false when it cannot be read or is 4 GiB or more.
-bool readFile(const char* path, std::vector<uint8_t>& bytes)
+// Reads a whole file; false when it cannot be read, with tooLarge set when it is over the limit.
+bool readFile(const char* path, std::vector<uint8_t>& bytes, bool& tooLarge)
 {
+    tooLarge = false;
     int fd = open(path, O_RDONLY | O_CLOEXEC);
     if (fd < 0)
         return false;
     struct stat info;
-    if (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode) || uint64_t(info.st_size) >= kBelow4GiB) {
+    if (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode) || uint64_t(info.st_size) > kMaxDatasetBytes) {
+        tooLarge = S_ISREG(info.st_mode) && uint64_t(info.st_size) > kMaxDatasetBytes;
         close(fd);
         return false;
     }
@@ -99,14 +105,29 @@ bool CDataset::contains(const void* p, size_t bytes) const
 
 boost::shared_ptr<CDataset> LoadDataset(const char* path, const char* relinkPath)
 {
+    // Callers test the result; an exception (memory running out) must not reach them.
+    try {
+        return LoadDatasetOrThrow(path, relinkPath);
+    } catch (const std::exception&) {
+        fail("not enough memory to load the dataset", path ? path : "(null)");
+        return boost::shared_ptr<CDataset>();
+    }
+}
+
+boost::shared_ptr<CDataset> LoadDatasetOrThrow(const char* path, const char* relinkPath)
+{
     boost::shared_ptr<CDataset> none;
     if (!path || !relinkPath) {
         fail("no dataset or relink path given", "(null)");
         return none;
     }
     std::vector<uint8_t> file;
-    if (!readFile(path, file)) {
-        fail("could not read the dataset", path);
+    bool tooLarge = false;
+    if (!readFile(path, file, tooLarge)) {
+        if (tooLarge)
+            fail("larger than the %u MiB a dataset may hold", path, kMaxDatasetMiB);
+        else
+            fail("could not read the dataset", path);
         return none;
     }
     const uint32_t size = uint32_t(file.size());
@@ -130,8 +151,11 @@ boost::shared_ptr<CDataset> LoadDataset(const char* path, const char* relinkPath
     }
 
     std::vector<uint8_t> relinkBytes;
-    if (!readFile(relinkPath, relinkBytes)) {
-        fail("could not read the relink file", relinkPath);
+    if (!readFile(relinkPath, relinkBytes, tooLarge)) {
+        if (tooLarge)
+            fail("larger than the %u MiB a relink file may hold", relinkPath, kMaxDatasetMiB);
+        else
+            fail("could not read the relink file", relinkPath);
         return none;
     }
     if (relinkBytes.size() % 4 != 0) {
@@ -190,3 +214,4 @@ boost::shared_ptr<CDataset> LoadDataset(const char* path, const char* relinkPath
     dataset->data = bytes + root;
     return dataset;
 }
+

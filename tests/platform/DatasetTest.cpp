@@ -129,6 +129,15 @@ TEST(Dataset, BrokenDatasetsAreRefusedWithAMessage)
         EXPECT_NE(messages.text.find(c.message), std::string::npos) << messages.text;
         EXPECT_EQ(messages.text.find("LoadDataset: "), 0u) << messages.text;
     }
+    // A 3 GiB sparse file is refused by its size, before anything is read.
+    Files sparse;
+    sparse.write(d, goodRelink());
+    ASSERT_EQ(truncate(sparse.dset.c_str(), 3LL << 30), 0);
+    {
+        ErrorMessages messages;
+        EXPECT_FALSE(LoadDataset(sparse.dset.c_str(), sparse.relink.c_str()));
+        EXPECT_NE(messages.text.find("larger than the 256 MiB a dataset may hold"), std::string::npos) << messages.text;
+    }
     ErrorMessages messages;
     EXPECT_FALSE(LoadDataset("/nonexistent/scene.dsetBin", "/nonexistent/scene.relinkBin"));
     EXPECT_EQ(messages.text, "LoadDataset: /nonexistent/scene.dsetBin: could not read the dataset\n");

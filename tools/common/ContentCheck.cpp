@@ -22,33 +22,9 @@ struct ContentCheck::tCel
 
 namespace {
 
+using namespace ContentModel;
+
 const char* const kTableNames[] = {"billboard", "sprite", "sprite cel", "actor", "avatar piece"};
-
-const std::vector<const char*> kGraphic = {"Position", "Rotation", "Scale", "Reg", "Color"};
-
-std::vector<const char*> with(std::vector<const char*> keys, std::initializer_list<const char*> more)
-{
-    keys.insert(keys.end(), more.begin(), more.end());
-    return keys;
-}
-
-const std::vector<const char*> kBillboardKeys = with(kGraphic, {"ElementType", "ID", "URL"});
-const std::vector<const char*> kSpriteKeys = with(kGraphic, {"ElementType", "ID", "Children"});
-const std::vector<const char*> kCelKeys = with(kSpriteKeys, {"Duration", "Operations"});
-const std::vector<const char*> kAnimationCelKeys = with(kCelKeys, {"Label"});
-const std::vector<const char*> kActorKeys = with(kGraphic, {"ElementType", "ID", "Animation"});
-const std::vector<const char*> kActorFileKeys = with(kGraphic, {"Animation", "$schema"});
-const std::vector<const char*> kPieceKeys = with(kGraphic, {"ElementType", "ID", "Component", "Variation"});
-const std::vector<const char*> kOperationKeys = {"Opcode", "Oparg"};
-const std::vector<const char*> kSheetKeys = {"ImageData", "$schema"};
-const std::vector<const char*> kBitmapKeys = {"Bitmap", "Images"};
-const std::vector<const char*> kPictureKeys = {"Name", "P1", "P2", "RegPoint", "CropRect"};
-const std::vector<const char*> kCostumeKeys = {"LODList", "AudioList", "$schema"};
-const std::vector<const char*> kLODKeys = {"Size", "TextureURI", "ComponentList"};
-const std::vector<const char*> kComponentKeys = {"Name", "Variations"};
-const std::vector<const char*> kVariationKeys = {"Name",     "RectLeft",  "RectTop",  "RectRight",
-                                                 "RectBottom", "RegPointX", "RegPointY"};
-const std::vector<const char*> kAudioKeys = {"Name", "URI"};
 
 std::string quoted(const std::string& s) { return "\"" + s + "\""; }
 
@@ -81,16 +57,6 @@ std::string opcodeList() { return "1 and 2 jump, 3 triggers, 4 stops, 5 plays au
 
 } // namespace
 
-ContentCheck::Kind ContentCheck::kindOf(const std::string& name)
-{
-    return name == "scene" ? Scene
-         : name == "actor" ? Actor
-         : name == "sheet" ? Sheet
-         : name == "costume" ? Costume
-         : name == "dataset" ? Dataset
-         : Unknown;
-}
-
 ContentCheck::ContentCheck(Diagnostics& report, const SceneOptions& options) : mReport(report), mOptions(options)
 {
     for (const std::string& dir : mOptions.artPaths)
@@ -108,7 +74,10 @@ int ContentCheck::errorsIn(const SceneOptions& options, std::string& first)
     Diagnostics report;
     {
         ContentCheck check(report, options);
-        check.check(options.scene, Scene);
+        std::vector<std::string> files;
+        if (!options.scene.empty())
+            files.push_back(options.scene);
+        check.checkAll(files, options.scene.empty() ? Unknown : Scene);
     }
     BaseUtils::SetAssertListener(assertListener);
     CDebugMPI::SetListener(listener);
@@ -122,13 +91,13 @@ void ContentCheck::loadSheetNames()
     mHasSheet = !mOptions.sheets.empty();
     for (const std::string& sheet : mOptions.sheets) {
         JsonDocument doc;
-        if (!doc.load(sheet) || !doc.root().isObject())
+        if (!doc.load(sheet))
             continue;
-        const Json::Value& bitmaps = doc.root()["ImageData"];
+        const Json::Value& bitmaps = member(doc.root(), "ImageData");
         for (Json::ArrayIndex b = 0; bitmaps.isArray() && b < bitmaps.size(); ++b) {
-            const Json::Value& images = bitmaps[b].isObject() ? bitmaps[b]["Images"] : Json::Value::nullSingleton();
+            const Json::Value& images = member(bitmaps[b], "Images");
             for (Json::ArrayIndex i = 0; images.isArray() && i < images.size(); ++i)
-                if (images[i].isObject() && images[i]["Name"].isString())
+                if (member(images[i], "Name").isString())
                     mSheetNames.insert(Glib::ustring(images[i]["Name"].asString()).collate_key());
         }
     }
@@ -140,36 +109,87 @@ void ContentCheck::loadCostumeComponents()
         return;
     mCostumeLoaded = true;
     const std::string& path = mOptions.costume;
-    if (path.size() > 8 && path.compare(path.size() - 8, 8, ".dsetBin") == 0) {
+    if (datasetKindOf(path) == Dataset) {
         Diagnostics ignored;
         DsetCheck dset(ignored, *this);
-        dset.check(path);
+        dset.check(path, Costume);
         return;
     }
     JsonDocument doc;
     if (!doc.load(path))
         return;
-    const Json::Value& lods = doc.root()["LODList"];
+    mCostumeUsable = ContentModel::kindOf(doc.root()) == Costume;
+    const Json::Value& lods = member(doc.root(), "LODList");
     if (!lods.isArray() || lods.empty())
         return;
     // Pieces show the first LOD loaded: with every LOD loaded, the file's first.
-    const Json::Value& components = lods[0u]["ComponentList"];
+    const Json::Value& components = member(lods[0u], "ComponentList");
     for (Json::ArrayIndex c = 0; components.isArray() && c < components.size(); ++c) {
-        std::vector<std::string>& names = mCostumeComponents[components[c]["Name"].asString()];
-        const Json::Value& variations = components[c]["Variations"];
+        const Json::Value& name = member(components[c], "Name");
+        std::vector<std::string>& names = mCostumeComponents[name.isString() ? name.asString() : ""];
+        const Json::Value& variations = member(components[c], "Variations");
         for (Json::ArrayIndex v = 0; variations.isArray() && v < variations.size(); ++v)
-            names.push_back(variations[v]["Name"].asString());
+            if (member(variations[v], "Name").isString())
+                names.push_back(variations[v]["Name"].asString());
     }
+}
+
+ContentCheck::Kind ContentCheck::roleOf(const std::string& path) const
+{
+    if (std::find(mOptions.sheets.begin(), mOptions.sheets.end(), path) != mOptions.sheets.end())
+        return Sheet;
+    if (path == mOptions.costume)
+        return Costume;
+    return std::find(mOptions.actors.begin(), mOptions.actors.end(), path) != mOptions.actors.end() ? Actor
+                                                                                                     : Unknown;
+}
+
+bool ContentCheck::wrongKind(const std::string& path, Kind role, Kind held)
+{
+    if (role == Unknown || held == Unknown || role == held)
+        return false;
+    if (role == Costume)
+        mCostumeUsable = false;
+    mReport.add(path, 1, 1, Diagnostics::Error,
+                quoted(path) + " is given as " + (role == Actor ? "an actor" : std::string("a ") + kindName(role)) +
+                    " but holds " + (held == Actor ? "an actor" : std::string("a ") + kindName(held)) +
+                    ": it is not " + (role == Actor ? "an actor" : std::string("a ") + kindName(role)));
+    return true;
+}
+
+void ContentCheck::checkAll(const std::vector<std::string>& files, Kind kind)
+{
+    std::vector<std::string> extras = mOptions.sheets;
+    extras.push_back(mOptions.costume);
+    extras.insert(extras.end(), mOptions.actors.begin(), mOptions.actors.end());
+    for (size_t i = 0; i < extras.size(); ++i)
+        if (!extras[i].empty() && std::find(files.begin(), files.end(), extras[i]) == files.end())
+            check(extras[i], i < mOptions.sheets.size() ? Sheet : Unknown);
+    for (const std::string& file : files)
+        check(file, kind);
 }
 
 void ContentCheck::check(const std::string& path, Kind kind)
 {
-    mReport.fileChecked();
-    if (kind == Dataset || (kind == Unknown && DsetCheck::looksLikeDataset(path))) {
-        loadCostumeComponents();
-        DsetCheck(mReport, *this).check(path);
+    if (!mChecked.insert(path).second)
         return;
+    mReport.fileChecked();
+    // Whatever the file holds, the checker reports it; nothing it meets may stop the tool.
+    try {
+        if (kind == Dataset || (kind == Unknown && datasetKindOf(path) == Dataset)) {
+            loadCostumeComponents();
+            DsetCheck(mReport, *this).check(path, roleOf(path));
+            return;
+        }
+        checkJson(path, kind);
+    } catch (const std::exception& e) {
+        mReport.add(path, 1, 1, Diagnostics::Error, std::string("cannot be checked: ") + e.what());
     }
+    mDoc = 0;
+}
+
+void ContentCheck::checkJson(const std::string& path, Kind kind)
+{
     JsonDocument doc;
     if (!doc.load(path)) {
         mReport.add(path, doc.errorPlace().line, doc.errorPlace().column, Diagnostics::Error, doc.error());
@@ -181,21 +201,20 @@ void ContentCheck::check(const std::string& path, Kind kind)
         table.clear();
     mToldNoCostume = false;
     const Json::Value& root = doc.root();
-    if (kind == Unknown)
-        kind = root.isArray() ? Scene
-             : root.isMember("Animation") ? Actor
-             : root.isMember("ImageData") ? Sheet
-             : root.isMember("LODList") ? Costume
-             : Unknown;
+    if (kind == Unknown) {
+        kind = ContentModel::kindOf(root);
+        if (wrongKind(path, roleOf(path), kind))
+            return;
+    }
     switch (kind) {
     case Scene:
-        mPrefix = mOptions.hasDefaultPath ? mOptions.defaultPath : directoryOf(path);
+        mPrefix = scenePrefix(path, mOptions.hasDefaultPath, mOptions.defaultPath);
         loadCostumeComponents();
         checkScene(root);
         break;
     case Actor:
         // Actor files name their images relative to their own directory, whatever the default path.
-        mPrefix = directoryOf(path);
+        mPrefix = actorPrefix(path);
         loadCostumeComponents();
         checkActorFile(root);
         break;
@@ -205,7 +224,6 @@ void ContentCheck::check(const std::string& path, Kind kind)
         error(root, "cannot tell what this file is: a scene is an array, an actor has \"Animation\", a texture "
                     "sheet \"ImageData\", a costume \"LODList\" (or give --kind)");
     }
-    mDoc = 0;
 }
 
 // ---------------------------------------------------------------------------
@@ -239,8 +257,11 @@ std::string ContentCheck::placeText(const Json::Value& v) const
 // ---------------------------------------------------------------------------
 // Values
 
-void ContentCheck::keys(const Json::Value& object, const char* what, const std::vector<const char*>& known)
+void ContentCheck::keys(const Json::Value& object, Object kind, std::initializer_list<const char*> extra)
 {
+    std::vector<const char*> known(extra);
+    for (const tKey& k : ContentModel::keys(kind))
+        known.push_back(k.name);
     for (const std::string& key : object.getMemberNames()) {
         if (std::find_if(known.begin(), known.end(), [&key](const char* k) { return key == k; }) != known.end())
             continue;
@@ -253,10 +274,64 @@ void ContentCheck::keys(const Json::Value& object, const char* what, const std::
                 nearest = k;
             }
         }
-        std::string message = "unknown key " + quoted(key) + " in " + what;
+        std::string message = "unknown key " + quoted(key) + " in " + describe(kind);
         if (nearest)
             message += "; did you mean " + quoted(nearest) + "?";
         keyError(object, key, Diagnostics::Error, message);
+    }
+}
+
+void ContentCheck::members(const Json::Value& object, Object kind, std::initializer_list<const char*> handled)
+{
+    for (const tKey& k : ContentModel::keys(kind)) {
+        if (std::find_if(handled.begin(), handled.end(), [&k](const char* h) { return !strcmp(h, k.name); }) !=
+            handled.end())
+            continue;
+        if (object.isMember(k.name))
+            shape(object, k);
+        else if (k.required)
+            require(object, k.name, describe(kind));
+    }
+}
+
+void ContentCheck::shape(const Json::Value& object, const tKey& key)
+{
+    const Json::Value& v = object[key.name];
+    const std::string name = quoted(key.name);
+    if (key.type != Type::Array) {
+        static const char* const expected[] = {" must be an integer", " must be a number", " must be a string", "",
+                                               ""};
+        if (!hasShape(v, key))
+            error(v, name + expected[static_cast<int>(key.type)]);
+        else if (key.type == Type::Number && (v.asDouble() < kFixedMin || v.asDouble() >= kFixedMax + 1))
+            error(v, name + " " + v.asString() + " is outside -32768 to 32767: fixed point cannot hold it");
+        return;
+    }
+    if (key.itemType == Type::Array) {
+        if (!v.isArray())
+            error(v, name + " must be an array");
+        return;
+    }
+    const std::string sizes = key.minItems == key.maxItems
+                                  ? std::to_string(key.minItems)
+                                  : std::to_string(key.minItems) + " or " + std::to_string(key.maxItems);
+    const bool integers = key.itemType == Type::Integer;
+    const std::string items = integers ? " integers" : " numbers";
+    if (!v.isArray()) {
+        error(v, name + " must be an array of " + sizes + items);
+        return;
+    }
+    if (v.size() < key.minItems || v.size() > key.maxItems) {
+        error(v, name + " has " + std::to_string(v.size()) + (v.size() == 1 ? " item" : " items") + "; it takes " +
+                     sizes + items);
+        return;
+    }
+    for (Json::ArrayIndex i = 0; i < v.size(); ++i) {
+        const bool ok = integers ? isInteger(v[i]) : v[i].isNumeric();
+        if (!ok)
+            error(v[i], name + " item " + std::to_string(i) + " must be " + (integers ? "an integer" : "a number"));
+        else if (!integers && (v[i].asDouble() < kFixedMin || v[i].asDouble() >= kFixedMax + 1))
+            error(v[i], name + " item " + std::to_string(i) + " is outside -32768 to 32767: fixed point cannot hold it");
     }
 }
 
@@ -266,11 +341,6 @@ bool ContentCheck::require(const Json::Value& object, const char* key, const cha
         return true;
     error(object, std::string(what) + " without " + quoted(key));
     return false;
-}
-
-bool ContentCheck::isInteger(const Json::Value& v) const
-{
-    return (v.type() == Json::intValue || v.type() == Json::uintValue) && v.isInt();
 }
 
 bool ContentCheck::stringMember(const Json::Value& object, const char* key, const char* what, bool required,
@@ -307,33 +377,6 @@ bool ContentCheck::integerMember(const Json::Value& object, const char* key, boo
     return true;
 }
 
-void ContentCheck::numberArray(const Json::Value& object, const char* key, size_t sizeA, size_t sizeB,
-                               bool integers, bool required, const char* what)
-{
-    if (!object.isMember(key)) {
-        if (required)
-            require(object, key, what);
-        return;
-    }
-    const Json::Value& v = object[key];
-    const std::string sizes = sizeA == sizeB ? std::to_string(sizeA)
-                                             : std::to_string(sizeA) + " or " + std::to_string(sizeB);
-    const std::string items = integers ? " integers" : " numbers";
-    if (!v.isArray()) {
-        error(v, quoted(key) + " must be an array of " + sizes + items);
-        return;
-    }
-    if (v.size() != sizeA && v.size() != sizeB) {
-        error(v, quoted(key) + " has " + std::to_string(v.size()) + (v.size() == 1 ? " item" : " items") + "; it takes " + sizes + items);
-        return;
-    }
-    for (Json::ArrayIndex i = 0; i < v.size(); ++i) {
-        const bool ok = integers ? isInteger(v[i]) : v[i].isNumeric();
-        if (!ok)
-            error(v[i], quoted(key) + " item " + std::to_string(i) + " must be " + (integers ? "an integer" : "a number"));
-    }
-}
-
 bool ContentCheck::objectArray(const Json::Value& object, const char* key, bool required, const char* what)
 {
     if (!object.isMember(key)) {
@@ -360,7 +403,7 @@ void ContentCheck::checkScene(const Json::Value& root)
     }
     for (Json::ArrayIndex i = 0; i < root.size(); ++i) {
         const Json::Value& entry = root[i];
-        if (entry.isObject() && isInteger(entry["ElementType"]) && entry["ElementType"].asInt() == 3)
+        if (isInteger(member(entry, "ElementType")) && entry["ElementType"].asInt() == int(ElementKind::Actor))
             actor(entry, true);
         else
             element(entry);
@@ -373,14 +416,13 @@ void ContentCheck::checkActorFile(const Json::Value& root)
         error(root, "an actor file is an object with \"Animation\"");
         return;
     }
-    std::vector<const char*> known = kActorFileKeys;
-    known.push_back("Children");
-    keys(root, "an actor", known);
+    keys(root, Object::ActorFile, {"Children"});
     if (root.isMember("Children"))
         keyError(root, "Children", Diagnostics::Warning,
                  "an actor's \"Children\" are not loaded: put them in the cels of \"Animation\"");
-    graphic(root);
-    if (objectArray(root, "Animation", true, "an actor"))
+    members(root, Object::ActorFile);
+    colors(root);
+    if (root["Animation"].isArray())
         animation(root["Animation"]);
 }
 
@@ -393,13 +435,12 @@ void ContentCheck::element(const Json::Value& v)
     long long type = 0;
     if (!integerMember(v, "ElementType", true, "an element", type))
         return;
-    switch (type) {
-    case 0: billboard(v); break;
-    case 1: sprite(v); break;
-    case 2: cel(v, false, 0); break;
-    case 3: actor(v, false); break;
-    case 4:
-    case 5: piece(v); break;
+    switch (objectOf(type)) {
+    case Object::Billboard: billboard(v); break;
+    case Object::Sprite: sprite(v); break;
+    case Object::SpriteCel: cel(v, false, 0); break;
+    case Object::Actor: actor(v, false); break;
+    case Object::AvatarPiece: piece(v); break;
     default:
         error(v["ElementType"], "unknown \"ElementType\" " + std::to_string(type) +
                                     ": the entry loads as nothing (0 billboard, 1 sprite, 2 sprite cel, 3 actor, "
@@ -434,50 +475,45 @@ bool ContentCheck::definition(const Json::Value& v, Table table, const char* wha
     return true;
 }
 
-void ContentCheck::graphic(const Json::Value& v)
+void ContentCheck::colors(const Json::Value& v)
 {
-    numberArray(v, "Position", 2, 3, false, false, "");
-    if (v.isMember("Rotation") && !v["Rotation"].isNumeric())
-        error(v["Rotation"], "\"Rotation\" must be a number");
-    numberArray(v, "Scale", 2, 2, false, false, "");
-    numberArray(v, "Reg", 2, 2, false, false, "");
-    numberArray(v, "Color", 4, 4, true, false, "");
     const Json::Value& color = v["Color"];
-    if (color.isArray() && color.size() == 4)
-        for (Json::ArrayIndex i = 0; i < 4; ++i)
-            if (isInteger(color[i]) && (color[i].asInt() < 0 || color[i].asInt() > 255))
+    const tKey& model = *key(Object::Billboard, "Color");
+    if (color.isArray() && color.size() == model.minItems)
+        for (Json::ArrayIndex i = 0; i < color.size(); ++i)
+            if (isInteger(color[i]) && (color[i].asInt() < model.min || color[i].asInt() > model.max))
                 error(color[i], "\"Color\" item " + std::to_string(i) + " is " + std::to_string(color[i].asInt()) +
-                                    ": channels run from 0 to 255");
+                                    ": channels run from " + std::to_string(model.min) + " to " +
+                                    std::to_string(model.max));
 }
 
 void ContentCheck::children(const Json::Value& v)
 {
-    if (!objectArray(v, "Children", false, ""))
-        return;
-    const Json::Value& list = v["Children"];
-    for (Json::ArrayIndex i = 0; i < list.size(); ++i)
+    const Json::Value& list = member(v, "Children");
+    for (Json::ArrayIndex i = 0; list.isArray() && i < list.size(); ++i)
         element(list[i]);
 }
 
 void ContentCheck::billboard(const Json::Value& v)
 {
-    keys(v, "a billboard", kBillboardKeys);
-    if (!definition(v, Billboards, "a billboard"))
+    keys(v, Object::Billboard);
+    if (!definition(v, Billboards, describe(Object::Billboard)))
         return;
-    graphic(v);
-    std::string url;
-    if (stringMember(v, "URL", "a billboard", true, url)) {
+    members(v, Object::Billboard, {"ElementType", "ID"});
+    colors(v);
+    if (v["URL"].isString()) {
         const JsonDocument::tPlace p = mDoc->place(v["URL"]);
-        checkBillboardImage(url, mPrefix, mPath, p.line, p.column);
+        checkBillboardImage(v["URL"].asString(), mPrefix, mPath, p.line, p.column);
     }
 }
 
 void ContentCheck::sprite(const Json::Value& v)
 {
-    keys(v, "a sprite", kSpriteKeys);
-    if (!definition(v, Sprites, "a sprite"))
+    keys(v, Object::Sprite);
+    if (!definition(v, Sprites, describe(Object::Sprite)))
         return;
-    graphic(v);
+    members(v, Object::Sprite, {"ElementType", "ID"});
+    colors(v);
     children(v);
 }
 
@@ -487,15 +523,19 @@ void ContentCheck::cel(const Json::Value& v, bool inActor, std::vector<tCel>* ju
         error(v, "a sprite cel must be an object");
         return;
     }
-    keys(v, inActor ? "a cel of \"Animation\"" : "a sprite cel", inActor ? kAnimationCelKeys : kCelKeys);
-    if (!definition(v, Cels, "a sprite cel"))
+    const Object kind = inActor ? Object::AnimationCel : Object::SpriteCel;
+    keys(v, kind);
+    if (!definition(v, Cels, describe(Object::SpriteCel)))
         return;
-    graphic(v);
+    members(v, kind, {"ElementType", "ID", "Label"});
+    colors(v);
     children(v);
-    long long duration = 0;
-    if (integerMember(v, "Duration", true, "a sprite cel", duration) && (duration < 0 || duration > 65535))
-        error(v["Duration"], "\"Duration\" " + std::to_string(duration) + " is not a duration: cels last 0 to 65535 ms");
-    if (objectArray(v, "Operations", false, ""))
+    const tKey& model = *key(kind, "Duration");
+    const Json::Value& duration = v["Duration"];
+    if (isInteger(duration) && (duration.asInt() < model.min || duration.asInt() > model.max))
+        error(duration, "\"Duration\" " + duration.asString() + " is not a duration: cels last " +
+                            std::to_string(model.min) + " to " + std::to_string(model.max) + " ms");
+    if (v["Operations"].isArray())
         operations(v["Operations"], jumps);
 }
 
@@ -507,11 +547,12 @@ void ContentCheck::operations(const Json::Value& list, std::vector<tCel>* jumps)
             error(op, "an operation must be an object");
             continue;
         }
-        keys(op, "an operation", kOperationKeys);
+        keys(op, Object::Operation);
         long long opcode = 0;
-        if (!integerMember(op, "Opcode", true, "an operation", opcode))
+        if (!integerMember(op, "Opcode", true, describe(Object::Operation), opcode))
             continue;
-        if (opcode < 1 || opcode > 5)
+        const tKey& opcodes = *key(Object::Operation, "Opcode");
+        if (opcode < opcodes.min || opcode > opcodes.max)
             error(op["Opcode"], "opcode " + std::to_string(opcode) + " does nothing: the actor runs " + opcodeList());
         if (!op.isMember("Oparg"))
             continue;
@@ -535,7 +576,8 @@ void ContentCheck::operations(const Json::Value& list, std::vector<tCel>* jumps)
                                    : "\"Oparg\" must be an integer");
             continue;
         }
-        if (arg.asInt() < 0 || arg.asInt() > 65535)
+        const tKey& opargs = *key(Object::Operation, "Oparg");
+        if (arg.asInt() < opargs.min || arg.asInt() > opargs.max)
             error(arg, "\"Oparg\" " + std::to_string(arg.asInt()) + " does not fit in 16 bits: it is read as " +
                            std::to_string(static_cast<unsigned short>(arg.asInt())));
         if ((opcode == 1 || opcode == 2) && jumps)
@@ -545,28 +587,28 @@ void ContentCheck::operations(const Json::Value& list, std::vector<tCel>* jumps)
 
 void ContentCheck::actor(const Json::Value& v, bool topLevel)
 {
-    std::vector<const char*> known = kActorKeys;
-    known.push_back("Children");
-    keys(v, "an actor", known);
+    keys(v, Object::Actor, {"Children"});
     if (v.isMember("Children"))
         keyError(v, "Children", Diagnostics::Warning,
                  "an actor's \"Children\" are not loaded: put them in the cels of \"Animation\"");
     long long id = 0;
     const std::vector<std::string>& defined = mDefinedAt[Actors];
-    if (topLevel && integerMember(v, "ID", true, "an actor", id) &&
+    if (topLevel && integerMember(v, "ID", true, describe(Object::Actor), id) &&
         static_cast<unsigned int>(static_cast<int>(id)) < defined.size()) {
         // A placement of an earlier actor: a copy, placed by its own graphic keys.
         if (v.isMember("Animation"))
             keyError(v, "Animation", Diagnostics::Error,
                      quoted("ID") + " " + std::to_string(id) + " places a copy of actor " + std::to_string(id) +
                          " (defined at " + defined[static_cast<size_t>(id)] + "): its \"Animation\" is not read");
-        graphic(v);
+        members(v, Object::Actor, {"ElementType", "ID", "Animation"});
+        colors(v);
         return;
     }
-    if (!definition(v, Actors, "an actor"))
+    if (!definition(v, Actors, describe(Object::Actor)))
         return;
-    graphic(v);
-    if (objectArray(v, "Animation", true, "an actor"))
+    members(v, Object::Actor, {"ElementType", "ID"});
+    colors(v);
+    if (v["Animation"].isArray())
         animation(v["Animation"]);
 }
 
@@ -599,20 +641,18 @@ void ContentCheck::animation(const Json::Value& list)
 
 void ContentCheck::piece(const Json::Value& v)
 {
-    keys(v, "an avatar piece", kPieceKeys);
+    keys(v, Object::AvatarPiece);
     if (!mHasCostume && !mToldNoCostume) {
         mToldNoCostume = true;
         error(v, "avatar pieces need a costume: give --costume");
     }
-    if (!definition(v, Pieces, "an avatar piece"))
+    if (!definition(v, Pieces, describe(Object::AvatarPiece)))
         return;
-    graphic(v);
-    std::string component, variation;
-    const bool hasComponent = stringMember(v, "Component", "an avatar piece", true, component);
-    const bool hasVariation = stringMember(v, "Variation", "an avatar piece", true, variation);
-    if (hasComponent && hasVariation && mHasCostume) {
+    members(v, Object::AvatarPiece, {"ElementType", "ID"});
+    colors(v);
+    if (v["Component"].isString() && v["Variation"].isString() && mHasCostume) {
         const JsonDocument::tPlace p = mDoc->place(v["Component"]);
-        checkPiece(component, variation, mPath, p.line, p.column);
+        checkPiece(v["Component"].asString(), v["Variation"].asString(), mPath, p.line, p.column);
     }
 }
 
@@ -624,7 +664,7 @@ void ContentCheck::checkBillboardImage(const std::string& name, const std::strin
 {
     if (mHasSheet && mSheetNames.count(Glib::ustring(name).collate_key()))
         return;
-    const std::string path = prefix + name;
+    const std::string path = billboardFile(prefix, name);
     if (!ImageCheck::exists(path)) {
         std::string sheets;
         for (const std::string& sheet : mOptions.sheets)
@@ -660,6 +700,8 @@ void ContentCheck::checkPiece(const std::string& component, const std::string& v
                               int line, int column)
 {
     loadCostumeComponents();
+    if (!mCostumeUsable)
+        return;
     std::map<std::string, std::vector<std::string> >::const_iterator it = mCostumeComponents.find(component);
     if (it == mCostumeComponents.end()) {
         mReport.add(file, line, column, Diagnostics::Error,
@@ -689,47 +731,72 @@ void ContentCheck::checkSheet(const Json::Value& root)
         error(root, "a texture sheet is an object with \"ImageData\"");
         return;
     }
-    keys(root, "a texture sheet", kSheetKeys);
-    if (!objectArray(root, "ImageData", true, "a texture sheet"))
-        return;
-    std::map<std::string, std::string> names;
+    keys(root, Object::Sheet);
+    members(root, Object::Sheet);
     const Json::Value& bitmaps = root["ImageData"];
-    for (Json::ArrayIndex b = 0; b < bitmaps.size(); ++b) {
+    std::map<std::string, std::string> names;
+    for (Json::ArrayIndex b = 0; bitmaps.isArray() && b < bitmaps.size(); ++b) {
         const Json::Value& bitmap = bitmaps[b];
         if (!bitmap.isObject()) {
             error(bitmap, "a bitmap entry must be an object");
             continue;
         }
-        keys(bitmap, "a bitmap entry", kBitmapKeys);
+        keys(bitmap, Object::Bitmap);
+        members(bitmap, Object::Bitmap);
         std::string file;
-        if (stringMember(bitmap, "Bitmap", "a bitmap entry", true, file)) {
+        if (bitmap["Bitmap"].isString()) {
+            file = sheetBitmapFile(mPath, bitmap["Bitmap"].asString());
             const JsonDocument::tPlace p = mDoc->place(bitmap["Bitmap"]);
-            checkImageFile(CTextureSheet::bitmapPath(mPath, file).raw(), "bitmap", mPath, p.line, p.column);
+            checkImageFile(file, "bitmap", mPath, p.line, p.column);
         }
-        if (!objectArray(bitmap, "Images", true, "a bitmap entry"))
-            continue;
         const Json::Value& images = bitmap["Images"];
-        for (Json::ArrayIndex i = 0; i < images.size(); ++i) {
-            const Json::Value& picture = images[i];
-            if (!picture.isObject()) {
-                error(picture, "a picture must be an object");
-                continue;
-            }
-            keys(picture, "a picture", kPictureKeys);
-            std::string name;
-            if (stringMember(picture, "Name", "a picture", true, name)) {
-                const std::string key = Glib::ustring(name).collate_key();
-                if (names.count(key))
-                    warning(picture["Name"], "picture " + quoted(name) + " is named again: it replaces the one at " +
-                                                 names[key]);
-                names[key] = placeText(picture["Name"]);
-            }
-            numberArray(picture, "P1", 2, 2, true, true, "a picture");
-            numberArray(picture, "P2", 2, 2, true, true, "a picture");
-            numberArray(picture, "RegPoint", 2, 2, true, false, "a picture");
-            numberArray(picture, "CropRect", 4, 4, true, false, "a picture");
+        for (Json::ArrayIndex i = 0; images.isArray() && i < images.size(); ++i) {
+            if (!images[i].isObject())
+                error(images[i], "a picture must be an object");
+            else
+                checkPicture(images[i], file, names);
         }
     }
+}
+
+void ContentCheck::checkPicture(const Json::Value& picture, const std::string& bitmapFile,
+                                std::map<std::string, std::string>& names)
+{
+    keys(picture, Object::Picture);
+    members(picture, Object::Picture);
+    const Json::Value& name = picture["Name"];
+    if (name.isString()) {
+        const std::string key = Glib::ustring(name.asString()).collate_key();
+        if (names.count(key))
+            warning(name, "picture " + quoted(name.asString()) + " is named again: it replaces the one at " +
+                              names[key]);
+        names[key] = placeText(name);
+    }
+    const Json::Value& p1 = picture["P1"];
+    const Json::Value& p2 = picture["P2"];
+    std::string size;
+    if (!bitmapFile.empty() && hasShape(p1, *key(Object::Picture, "P1")) &&
+        hasShape(p2, *key(Object::Picture, "P2")) &&
+        !fitsImage(bitmapFile, p1[0u].asDouble(), p1[1u].asDouble(), p2[0u].asDouble(), p2[1u].asDouble(), size))
+        error(p1, "picture " + quoted(name.isString() ? name.asString() : "") + " from [" + p1[0u].asString() + ", " +
+                      p1[1u].asString() + "] to [" + p2[0u].asString() + ", " + p2[1u].asString() +
+                      "] lies outside its bitmap (" + size + "): the wrong part of the page is drawn");
+}
+
+bool ContentCheck::fitsImage(const std::string& imageFile, double left, double top, double right, double bottom,
+                             std::string& size)
+{
+    unsigned int width = 0, height = 0;
+    if (!mImages.size(imageFile, width, height))
+        return true;
+    size = std::to_string(width) + " x " + std::to_string(height) + " pixels";
+    for (double x : {left, right})
+        if (x < 0 || x > width)
+            return false;
+    for (double y : {top, bottom})
+        if (y < 0 || y > height)
+            return false;
+    return true;
 }
 
 void ContentCheck::checkCostume(const Json::Value& root)
@@ -738,79 +805,93 @@ void ContentCheck::checkCostume(const Json::Value& root)
         error(root, "a costume is an object with \"LODList\"");
         return;
     }
-    keys(root, "a costume", kCostumeKeys);
-    if (objectArray(root, "AudioList", false, "")) {
-        const Json::Value& audio = root["AudioList"];
-        for (Json::ArrayIndex i = 0; i < audio.size(); ++i) {
-            if (!audio[i].isObject()) {
-                error(audio[i], "an audio entry must be an object");
-                continue;
-            }
-            keys(audio[i], "an audio entry", kAudioKeys);
-            std::string ignored;
-            stringMember(audio[i], "Name", "an audio entry", true, ignored);
-            stringMember(audio[i], "URI", "an audio entry", true, ignored);
+    keys(root, Object::Costume);
+    members(root, Object::Costume);
+    const Json::Value& audio = root["AudioList"];
+    for (Json::ArrayIndex i = 0; audio.isArray() && i < audio.size(); ++i) {
+        if (!audio[i].isObject()) {
+            error(audio[i], "an audio entry must be an object");
+            continue;
         }
+        keys(audio[i], Object::Audio);
+        members(audio[i], Object::Audio);
     }
-    if (!objectArray(root, "LODList", true, "a costume"))
-        return;
     const Json::Value& lods = root["LODList"];
+    if (!lods.isArray())
+        return;
     if (lods.empty())
         error(lods, "\"LODList\" is empty: avatar pieces show nothing");
     for (Json::ArrayIndex l = 0; l < lods.size(); ++l) {
-        const Json::Value& lod = lods[l];
-        if (!lod.isObject()) {
-            error(lod, "an LOD must be an object");
+        if (!lods[l].isObject())
+            error(lods[l], "an LOD must be an object");
+        else
+            checkLOD(lods[l]);
+    }
+}
+
+void ContentCheck::checkLOD(const Json::Value& lod)
+{
+    keys(lod, Object::LOD);
+    members(lod, Object::LOD, {"TextureURI", "ComponentList"});
+    const tKey& sizes = *key(Object::LOD, "Size");
+    if (isInteger(lod["Size"]) && lod["Size"].asInt() < sizes.min)
+        error(lod["Size"], "\"Size\" " + lod["Size"].asString() + " is not a size: pieces are scaled by 100 / \"Size\"");
+    std::string texture;
+    if (!lod.isMember("TextureURI"))
+        error(lod, "an LOD without \"TextureURI\": its pieces show nothing");
+    else if (!lod["TextureURI"].isString())
+        error(lod["TextureURI"], "\"TextureURI\" must be a string");
+    else {
+        texture = costumeTextureFile(mPath, lod["TextureURI"].asString());
+        const JsonDocument::tPlace p = mDoc->place(lod["TextureURI"]);
+        checkImageFile(texture, "texture", mPath, p.line, p.column);
+    }
+    if (!objectArray(lod, "ComponentList", true, describe(Object::LOD)))
+        return;
+    const Json::Value& components = lod["ComponentList"];
+    for (Json::ArrayIndex c = 0; c < components.size(); ++c) {
+        const Json::Value& component = components[c];
+        if (!component.isObject()) {
+            error(component, "a component must be an object");
             continue;
         }
-        keys(lod, "an LOD", kLODKeys);
-        long long size = 0;
-        if (integerMember(lod, "Size", true, "an LOD", size) && size <= 0)
-            error(lod["Size"], "\"Size\" " + std::to_string(size) + " is not a size: pieces are scaled by 100 / \"Size\"");
-        std::string uri;
-        if (!lod.isMember("TextureURI"))
-            error(lod, "an LOD without \"TextureURI\": its pieces show nothing");
-        else if (stringMember(lod, "TextureURI", "an LOD", true, uri)) {
-            const JsonDocument::tPlace p = mDoc->place(lod["TextureURI"]);
-            checkImageFile(AvatarCostume::texturePath(mPath, uri).raw(), "texture", mPath, p.line, p.column);
-        }
-        if (!objectArray(lod, "ComponentList", true, "an LOD"))
+        keys(component, Object::Component);
+        members(component, Object::Component, {"Variations"});
+        const std::string name = component["Name"].isString() ? component["Name"].asString() : "";
+        const Json::Value& variations = component["Variations"];
+        if (!variations.isArray() || variations.empty()) {
+            if (component.isMember("Variations") && !variations.isArray())
+                error(variations, "\"Variations\" must be an array");
+            else
+                error(component, "component " + quoted(name) + " has no variations: its pieces show nothing");
             continue;
-        const Json::Value& components = lod["ComponentList"];
-        for (Json::ArrayIndex c = 0; c < components.size(); ++c) {
-            const Json::Value& component = components[c];
-            if (!component.isObject()) {
-                error(component, "a component must be an object");
-                continue;
-            }
-            keys(component, "a component", kComponentKeys);
-            std::string name;
-            stringMember(component, "Name", "a component", true, name);
-            const Json::Value& variations = component["Variations"];
-            if (!variations.isArray() || variations.empty()) {
-                if (component.isMember("Variations") && !variations.isArray())
-                    error(variations, "\"Variations\" must be an array");
-                else
-                    error(component, "component " + quoted(name) + " has no variations: its pieces show nothing");
-                continue;
-            }
-            for (Json::ArrayIndex v = 0; v < variations.size(); ++v) {
-                const Json::Value& variation = variations[v];
-                if (!variation.isObject()) {
-                    error(variation, "a variation must be an object");
-                    continue;
-                }
-                keys(variation, "a variation", kVariationKeys);
-                std::string ignored;
-                stringMember(variation, "Name", "a variation", true, ignored);
-                for (size_t k = 1; k < kVariationKeys.size(); ++k) {
-                    const char* key = kVariationKeys[k];
-                    // The registration point defaults to the rectangle's corner; the rectangle is needed.
-                    const bool present = k <= 4 ? require(variation, key, "a variation") : variation.isMember(key);
-                    if (present && !variation[key].isNumeric())
-                        error(variation[key], quoted(key) + " must be a number");
-                }
-            }
         }
+        for (Json::ArrayIndex v = 0; v < variations.size(); ++v) {
+            if (!variations[v].isObject())
+                error(variations[v], "a variation must be an object");
+            else
+                checkVariation(variations[v], name, texture);
+        }
+    }
+}
+
+void ContentCheck::checkVariation(const Json::Value& variation, const std::string& component,
+                                  const std::string& textureFile)
+{
+    keys(variation, Object::Variation);
+    members(variation, Object::Variation);
+    const char* const edges[] = {"RectLeft", "RectTop", "RectRight", "RectBottom"};
+    double rect[4];
+    for (int i = 0; i < 4; ++i) {
+        if (!variation[edges[i]].isNumeric())
+            return;
+        rect[i] = variation[edges[i]].asDouble();
+    }
+    std::string size;
+    if (!textureFile.empty() && !fitsImage(textureFile, rect[0], rect[1], rect[2], rect[3], size)) {
+        const Json::Value& name = variation["Name"];
+        error(variation[edges[0]], "variation " + quoted(name.isString() ? name.asString() : "") + " of " +
+                                       quoted(component) + " lies outside its texture (" + size +
+                                       "): the wrong part of the texture is drawn");
     }
 }

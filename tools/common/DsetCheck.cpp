@@ -31,16 +31,6 @@ DsetCheck::DsetCheck(Diagnostics& report, ContentCheck& content)
 
 DsetCheck::~DsetCheck() { delete mReader; }
 
-bool DsetCheck::looksLikeDataset(const std::string& path)
-{
-    const size_t n = std::strlen(kExtension);
-    if (path.size() >= n && path.compare(path.size() - n, n, kExtension) == 0)
-        return true;
-    char magic[4] = {0};
-    std::ifstream in(path.c_str(), std::ios::binary);
-    return in.read(magic, 4) && std::memcmp(magic, "ZDST", 4) == 0;
-}
-
 void DsetCheck::error(uint32_t offset, const std::string& message)
 {
     mReport.add(mPath, 1, static_cast<int>(offset) + 1, Diagnostics::Error, message);
@@ -91,7 +81,7 @@ const char* DsetCheck::string(const uint32_t& field, const char* what)
     return s;
 }
 
-void DsetCheck::check(const std::string& path)
+void DsetCheck::check(const std::string& path, ContentModel::FileKind role)
 {
     mPath = path;
     const size_t at = path.rfind(kExtension);
@@ -130,9 +120,16 @@ void DsetCheck::check(const std::string& path)
     mReader = new CDsetReader(mDataset);
 
     const uint32_t* magic = mReader->record<uint32_t>(mDataset->data);
-    if (magic && *magic == DSET_ACTOR_MAGIC)
+    using ContentModel::FileKind;
+    const FileKind held = !magic ? FileKind::Unknown
+                        : *magic == DSET_ACTOR_MAGIC ? FileKind::Actor
+                        : *magic == DSET_COSTUME_MAGIC ? FileKind::Costume
+                        : FileKind::Unknown;
+    if (mContent.wrongKind(path, role, held))
+        return;
+    if (held == FileKind::Actor)
         checkActor(mDataset->data);
-    else if (magic && *magic == DSET_COSTUME_MAGIC)
+    else if (held == FileKind::Costume)
         checkCostume(mDataset->data);
     else {
         error(mDataset->data, "the root record is neither an actor (\"ACTR\") nor a costume (\"COST\")");

@@ -1,6 +1,7 @@
 #ifndef ZEPHRIN2D_CHECK_DSETCHECK_H
 #define ZEPHRIN2D_CHECK_DSETCHECK_H
 
+#include "ContentModel.h"
 #include "Diagnostics.h"
 
 #include <boost/shared_ptr.hpp>
@@ -22,10 +23,9 @@ public:
     DsetCheck(Diagnostics& report, ContentCheck& content);
     ~DsetCheck();
 
-    /// Whether path ends in ".dsetBin" or starts with the dataset magic number.
-    static bool looksLikeDataset(const std::string& path);
-
-    void check(const std::string& path);
+    /// Checks the dataset at path; role is the kind the options give it as
+    /// (Costume for --costume, Actor for --actor, else Unknown).
+    void check(const std::string& path, ContentModel::FileKind role);
 
 private:
     void error(uint32_t offset, const std::string& message);

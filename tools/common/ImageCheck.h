@@ -16,10 +16,19 @@ public:
     /// The problems of the file at path (empty when it is fine); the first
     /// call for a path decodes it, later calls are told `seen`.
     const std::vector<std::string>& problems(const std::string& path, bool& seen);
+    /// The size of an image the PNG loader takes (false for one it refuses or that is not there).
+    bool size(const std::string& path, unsigned int& width, unsigned int& height);
 
 private:
-    std::vector<std::string> decode(const std::string& path);
-    std::map<std::string, std::vector<std::string> > mResults;
+    struct tResult
+    {
+        std::vector<std::string> problems;
+        unsigned int width = 0;
+        unsigned int height = 0;  ///< 0 when the loader refuses the file
+    };
+    tResult& result(const std::string& path, bool& seen);
+    tResult decode(const std::string& path);
+    std::map<std::string, tResult> mResults;
 };
 
 #endif
