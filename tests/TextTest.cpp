@@ -5,6 +5,8 @@
 #include "CText.h"
 
 #include <GLES/gl.h>
+#include <algorithm>
+#include <climits>
 
 namespace {
 
@@ -52,6 +54,41 @@ TEST_F(TextTest, TextureSidesArePowersOfTwoCappedAt512)
         EXPECT_EQ(t->getTextureHeight(), wantH) << c.text;
         EXPECT_EQ(t->getReg(), (tVect2{ZERO_X, tFixed(wantH - m.ascent)})) << "origin on the baseline";
     }
+}
+
+// Run with a ctest TIMEOUT (text-long-layout): layout must stay linear in the text.
+TEST_F(TextTest, MegabyteTextAndExtremeRectangles)
+{
+    std::string words;
+    while (words.size() < (1u << 20))
+        words += "word\xC3\xA9 ";
+    struct { int w, h, align, wantW, wantH; } cases[] = {
+        {0, 0, 0, 512, 0}, {INT_MAX, INT_MAX, 1, 512, 512}, {INT_MAX, INT_MAX, 2, 512, 512},
+        {300, 200, 2, 512, 256}, {-5, 7, 1, 1, 8}, {INT_MIN, INT_MIN, 0, 1, 1},
+    };
+    boost::shared_ptr<CText> t(new CText(words, "DejaVu Sans", 12));
+    AssertCapture asserts;
+    for (const auto& c : cases) {
+        t->forceRectSize(c.w, c.h);
+        t->setAlignment(c.align);
+        t->remakeTexture();
+        EXPECT_EQ(t->getTextureWidth(), c.wantW) << c.w;
+        if (c.wantH)
+            EXPECT_EQ(t->getTextureHeight(), c.wantH) << c.h;
+    }
+    EXPECT_TRUE(asserts.entries().empty());
+    // A rest too short to reach the width is drawn as one line unmeasured: as the measured line.
+    std::vector<ImageIO::tImage> frames;
+    for (int width : {INT_MAX, 1000}) {
+        boost::shared_ptr<CText> line = makeText("Wide  words, one line", 12);
+        line->forceRectSize(width, 32);
+        line->remakeTexture();
+        frame();
+        drawTexturedQuad(line->getTextureName(), 128, 32);
+        frames.push_back(readFrame());
+    }
+    EXPECT_TRUE(frames[0].rgba == frames[1].rgba);
+    EXPECT_NE(std::count(frames[0].rgba.begin(), frames[0].rgba.end(), 255), 0);
 }
 
 TEST_F(TextTest, RebuildsOnlyWhenASettingChanged)

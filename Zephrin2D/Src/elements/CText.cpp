@@ -6,6 +6,7 @@
 #include <BaseUtils.h>
 #include <DebugMPI.h>
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 
@@ -244,42 +245,136 @@ int CText::getFontCapHeight()
     return r.top - r.bottom;
 }
 
+namespace {
+
+int64_t widthOf(const Glib::ustring& text)
+{
+    const Tadwick::Vell::tRect r = fonts().GetStringRect(text);
+    return int64_t(r.right) - r.left;
+}
+
+// Only the start of a long text can show in the widest texture: prefixes of
+// doubling length are measured until one reaches past it, so the work stays
+// proportional to what is drawn (twice the text at most).
+Glib::ustring visiblePart(const Glib::ustring& text, int limit)
+{
+    const std::string& raw = text.raw();
+    for (size_t n = 256; n < raw.size(); n *= 2) {
+        size_t cut = n;
+        while (cut < raw.size() && (static_cast<unsigned char>(raw[cut]) & 0xC0) == 0x80)
+            ++cut;
+        const Glib::ustring prefix(raw.substr(0, cut));
+        if (fonts().GetStringRect(prefix).right > limit + 64)
+            return prefix;
+    }
+    return text;
+}
+
+int64_t clampToInt(int64_t v, int64_t limit) { return v < -limit ? -limit : (v > limit ? limit : v); }
+
+} // namespace
+
+// No glyph is wider than the font's widest advance (with room for kerning
+// and overhang), and every character takes a byte at least: a rest that
+// cannot reach the forced width is one line, whatever its words.
+bool CText::restFitsOneLine(size_t bytes, int widest) const
+{
+    const int64_t perByte = int64_t(widest > 0 ? widest : 0) + 8;
+    return uint64_t(bytes) < (uint64_t(1) << 40) / uint64_t(perByte) &&
+           int64_t(bytes) * perByte + 4 * perByte <= mForcedWidth;
+}
+
+// Drawn without measuring the words: left-aligned only the part that shows;
+// centred or right-aligned a line that starts past the texture is skipped.
+void CText::drawRestAsOneLine(Tadwick::Vell::tFontSurf& surface, const std::string& rest, int y)
+{
+    std::string line;
+    line.reserve(rest.size());
+    for (size_t start = 0; start < rest.size();) {
+        size_t space = rest.find(' ', start);
+        if (space == std::string::npos)
+            space = rest.size();
+        if (space > start) {
+            if (!line.empty())
+                line += ' ';
+            line.append(rest, start, space - start);
+        }
+        start = space + 1;
+    }
+    if (line.empty())
+        return;
+    const Tadwick::Vell::tFontMetrics metrics = fonts().GetFontMetrics();
+    const int64_t perByte = int64_t(metrics.advance > 0 ? metrics.advance : 0) + 8;
+    const int64_t widest = int64_t(line.size()) * perByte + 4 * perByte;
+    int64_t x = 0;
+    if (mAlignment == ALIGN_CENTER || mAlignment == ALIGN_RIGHT) {
+        const int64_t nearest = mAlignment == ALIGN_CENTER ? (mForcedWidth - widest) / 2 : mForcedWidth - widest;
+        if (nearest >= surface.width)
+            return;
+        const int64_t room = int64_t(mForcedWidth) - widthOf(line);
+        x = mAlignment == ALIGN_CENTER ? room / 2 : room;
+    }
+    fonts().DrawString(x == 0 ? visiblePart(line, surface.width) : Glib::ustring(line),
+                       int(clampToInt(x, 1 << 30)), y, &surface, 0);
+}
+
+// Linear in the text: it is walked by bytes (a space is one byte in UTF-8),
+// the line grows in place, each word is measured once on its own and the
+// sums decide; only a line near the edge is measured whole, as it is drawn.
+// Layout stops at the first line below the texture.
 void CText::drawWrapped(Tadwick::Vell::tFontSurf& surface)
 {
-    const int advance = fonts().GetFontMetrics().height;
-    int y = 0;
-    Glib::ustring line;
-    auto flush = [&](const Glib::ustring& text) {
-        const Tadwick::Vell::tRect r = fonts().GetStringRect(text);
-        const int width = r.right - r.left;
-        int x = 0;
-        if (mAlignment == ALIGN_CENTER)
-            x = (mForcedWidth - width) / 2;
-        else if (mAlignment == ALIGN_RIGHT)
-            x = mForcedWidth - width;
-        fonts().DrawString(text, x, y, &surface, 0);
+    const int64_t kNear = 32;
+    const Tadwick::Vell::tFontMetrics metrics = fonts().GetFontMetrics();
+    const int64_t advance = metrics.height;
+    const std::string& text = mText.raw();
+    int64_t y = 0;
+    std::string line;
+    int64_t lineWidth = 0;
+    auto flush = [&]() {
+        int64_t x = 0;
+        if (mAlignment == ALIGN_CENTER || mAlignment == ALIGN_RIGHT) {
+            const int64_t room = int64_t(mForcedWidth) - widthOf(line);
+            x = mAlignment == ALIGN_CENTER ? room / 2 : room;
+        }
+        fonts().DrawString(line, int(clampToInt(x, 1 << 30)), int(y), &surface, 0);
         y += advance;
+        line.clear();
+        return y < surface.height;
     };
-    Glib::ustring::size_type start = 0;
-    while (start <= mText.size()) {
-        Glib::ustring::size_type space = mText.find(' ', start);
-        if (space == Glib::ustring::npos)
-            space = mText.size();
-        const Glib::ustring word = mText.substr(start, space - start);
+    size_t start = 0;
+    while (start < text.size()) {
+        if (line.empty() && restFitsOneLine(text.size() - start, metrics.advance))
+            return drawRestAsOneLine(surface, text.substr(start), int(y));
+        size_t space = text.find(' ', start);
+        if (space == std::string::npos)
+            space = text.size();
+        const std::string word = text.substr(start, space - start);
         start = space + 1;
         if (word.empty())
             continue;
-        const Glib::ustring candidate = line.empty() ? word : line + " " + word;
-        const Tadwick::Vell::tRect r = fonts().GetStringRect(candidate);
-        if (line.empty() || r.right - r.left <= mForcedWidth) {
-            line = candidate;
-        } else {
-            flush(line);
+        if (line.empty()) {
             line = word;
+            lineWidth = widthOf(word);
+            continue;
+        }
+        const int64_t estimate = lineWidth + widthOf(" " + word);
+        bool fits = estimate + kNear < mForcedWidth;
+        if (!fits && estimate - kNear <= mForcedWidth)
+            fits = widthOf(line + " " + word) <= mForcedWidth;
+        if (fits) {
+            line += ' ';
+            line += word;
+            lineWidth = estimate;
+        } else {
+            if (!flush())
+                return;
+            line = word;
+            lineWidth = widthOf(word);
         }
     }
     if (!line.empty())
-        flush(line);
+        flush();
 }
 
 void CText::remakeTexture()
@@ -291,20 +386,18 @@ void CText::remakeTexture()
     const Tadwick::Vell::tFontMetrics metrics = fonts().GetFontMetrics();
     const bool forced = mForcedWidth != 0 && mForcedHeight != 0;
     int width, height;
+    const Glib::ustring visible = forced ? Glib::ustring() : visiblePart(mText, MAX_TEXTURE_SIZE);
     if (!forced) {
-        const Tadwick::Vell::tRect r = fonts().GetStringRect(mText);
+        const Tadwick::Vell::tRect r = fonts().GetStringRect(visible);
         width = r.right;
         height = metrics.ascent - metrics.descent;
     } else {
         width = mForcedWidth;
         height = mForcedHeight;
     }
-    width = static_cast<int>(nextHighestPowerOfTwo(width > 0 ? width : 0));
-    height = static_cast<int>(nextHighestPowerOfTwo(height > 0 ? height : 0));
-    if (width > MAX_TEXTURE_SIZE)
-        width = MAX_TEXTURE_SIZE;
-    if (height > MAX_TEXTURE_SIZE)
-        height = MAX_TEXTURE_SIZE;
+    // Capped before rounding up: the power of two above INT_MAX is not an int.
+    width = static_cast<int>(nextHighestPowerOfTwo(std::min(std::max(width, 0), int(MAX_TEXTURE_SIZE))));
+    height = static_cast<int>(nextHighestPowerOfTwo(std::min(std::max(height, 0), int(MAX_TEXTURE_SIZE))));
 
     const int bytes = width * height * 4;
     unsigned char* buffer = new (std::nothrow) unsigned char[bytes];
@@ -327,7 +420,7 @@ void CText::remakeTexture()
     surface.buffer = buffer;
     surface.format = Tadwick::Vell::kPixelFormatRGBA8888;
     if (!forced)
-        fonts().DrawString(mText, 0, 0, &surface, 0);
+        fonts().DrawString(visible, 0, 0, &surface, 0);
     else
         drawWrapped(surface);
 

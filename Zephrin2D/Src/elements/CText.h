@@ -69,6 +69,8 @@ private:
     void prepareFont();
     void changed();
     void drawWrapped(Tadwick::Vell::tFontSurf& surface);
+    bool restFitsOneLine(size_t bytes, int widest) const;
+    void drawRestAsOneLine(Tadwick::Vell::tFontSurf& surface, const std::string& rest, int y);
     void buildChunk();
 
     bool mDirty;
