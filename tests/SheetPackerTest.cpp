@@ -160,12 +160,13 @@ TEST_F(SheetPackerTest, PalettesNeverChangeAPixel)
         ASSERT_TRUE(packed) << testing::PrintToString(errors);
         ASSERT_EQ(sheet.pages.size(), 1u);
         EXPECT_EQ(sheet.pages[0].paletteBits, c.bits);
-        const std::string png = readFile(dir + "/s-0.png");
+        const std::string page = dir + "/" + SheetPacker::pageName(sheet, 0, "s");
+        const std::string png = readFile(page);
         EXPECT_EQ(png[24], c.bits ? c.bits : 8) << "bit depth";
         EXPECT_EQ(png[25], c.bits ? 3 : 6) << "colour type";
         EXPECT_EQ(png.find("tRNS") != std::string::npos, c.bits && c.translucent);
         ImageIO::tImage back;
-        ASSERT_TRUE(ImageIO::readPNG(dir + "/s-0.png", back));
+        ASSERT_TRUE(ImageIO::readPNG(page, back));
         EXPECT_EQ(back.rgba, p.image.rgba);
 
         GLRecorder::clear();

@@ -1,5 +1,8 @@
 #include "SheetPacker.h"
 
+#include "JsonDocument.h"
+#include "Paths.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdarg>
@@ -331,7 +334,7 @@ std::string sheetJson(const tSheet& sheet, const std::string& base)
 {
     std::string out = "{\"ImageData\": [\n";
     for (size_t page = 0; page < sheet.pages.size(); ++page) {
-        out += format("  {\"Bitmap\": %s, \"Images\": [\n", jsonString(format("%s-%zu.png", base.c_str(), page)).c_str());
+        out += format("  {\"Bitmap\": %s, \"Images\": [\n", jsonString(pageName(sheet, page, base)).c_str());
         bool first = true;
         for (const tPlaced& p : sheet.pictures) {
             if (p.page != static_cast<int>(page))
@@ -348,35 +351,87 @@ std::string sheetJson(const tSheet& sheet, const std::string& base)
     return out + "]}\n";
 }
 
-bool write(const tSheet& sheet, const std::string& base, std::vector<std::string>& errors)
+std::string pageName(const tSheet& sheet, size_t i, const std::string& base)
 {
-    std::vector<std::pair<std::string, std::string>> files;  // temporary, final
-    bool ok = true;
-    for (size_t i = 0; i < sheet.pages.size() && ok; ++i) {
+    // FNV-1a over what the page file is made from.
+    const tPage& page = sheet.pages[i];
+    uint64_t hash = 14695981039346656037ull;
+    auto mix = [&hash](const uint8_t* bytes, size_t size) {
+        for (size_t k = 0; k < size; ++k)
+            hash = (hash ^ bytes[k]) * 1099511628211ull;
+    };
+    const int header[3] = {page.image.width, page.image.height, page.paletteBits};
+    mix(reinterpret_cast<const uint8_t*>(header), sizeof header);
+    if (page.paletteBits) {
+        mix(reinterpret_cast<const uint8_t*>(page.palette.data()), page.palette.size() * sizeof(uint32_t));
+        mix(page.indices.data(), page.indices.size());
+    } else {
+        mix(page.image.rgba.data(), page.image.rgba.size());
+    }
+    return format("%s-%zu-%08x.png", base.c_str(), i, static_cast<unsigned>(hash ^ (hash >> 32)));
+}
+
+namespace {
+
+// The pages the sheet at jsonPath names that this packer wrote: BASE-N.png or BASE-N-HASH.png beside it.
+std::vector<std::string> previousPages(const std::string& jsonPath, const std::string& base)
+{
+    std::vector<std::string> pages;
+    JsonDocument doc;
+    if (!doc.load(jsonPath) || !doc.root().isObject() || !doc.root()["ImageData"].isArray())
+        return pages;
+    for (const Json::Value& bitmap : doc.root()["ImageData"]) {
+        const std::string name = bitmap.isObject() && bitmap["Bitmap"].isString() ? bitmap["Bitmap"].asString() : "";
+        const std::string rest = name.compare(0, base.size() + 1, base + "-") == 0 ? name.substr(base.size() + 1) : "";
+        const size_t digits = rest.find_first_not_of("0123456789");
+        if (digits > 0 && digits != std::string::npos && endsWith(rest, ".png") &&
+            (digits + 4 == rest.size() || (rest[digits] == '-' && rest.find_first_not_of(
+                "0123456789abcdef", digits + 1) == rest.size() - 4)))
+            pages.push_back(name);
+    }
+    return pages;
+}
+
+} // namespace
+
+bool write(const tSheet& sheet, const std::string& base, OutputSet& out, std::vector<std::string>& errors)
+{
+    const std::string name = baseName(base);
+    for (const std::string& old : previousPages(base + ".json", name))
+        out.retire(old);
+    for (size_t i = 0; i < sheet.pages.size(); ++i) {
         const tPage& page = sheet.pages[i];
-        const std::string path = format("%s-%zu.png", base.c_str(), i), tmp = path + ".tmp";
-        files.push_back({tmp, path});
-        ok = page.paletteBits ? ImageIO::writePalettedPNG(tmp, page.image.width, page.image.height, page.paletteBits,
-                                                          page.palette, page.indices)
-                              : ImageIO::writePNG(tmp, page.image);
-    }
-    if (ok) {
-        files.push_back({base + ".json.tmp", base + ".json"});
-        ok = writeFile(files.back().first, sheetJson(sheet, baseName(base)));
-    }
-    size_t renamed = 0;
-    for (; renamed < files.size() && ok; ++renamed)
-        ok = rename(files[renamed].first.c_str(), files[renamed].second.c_str()) == 0;
-    if (!ok) {
-        const int error = errno;
-        errors.push_back(fileError(files.empty() ? base : files.back().second, std::string("cannot write: ") + strerror(error)));
-        for (size_t i = 0; i < files.size(); ++i) {
-            remove(files[i].first.c_str());
-            if (i + 1 < renamed)
-                remove(files[i].second.c_str());
+        const std::string path = directoryOf(base) + pageName(sheet, i, name), tmp = out.add(path);
+        const bool ok = !tmp.empty() && (page.paletteBits ? ImageIO::writePalettedPNG(tmp, page.image.width, page.image.height,
+                                                                     page.paletteBits, page.palette, page.indices)
+                                                          : ImageIO::writePNG(tmp, page.image));
+        if (!ok) {
+            errors.push_back(fileError(path, tmp.empty() ? out.errorMessage() : "cannot be written: " + std::string(strerror(errno))));
+            return false;
         }
     }
-    return ok;
+    const std::string tmp = out.add(base + ".json");
+    if (tmp.empty() || !writeFile(tmp, sheetJson(sheet, name))) {
+        errors.push_back(fileError(base + ".json", tmp.empty() ? out.errorMessage() : "cannot be written: " + std::string(strerror(errno))));
+        return false;
+    }
+    return true;
+}
+
+bool write(const tSheet& sheet, const std::string& base, std::vector<std::string>& errors)
+{
+    OutputSet out;
+    if (!out.open(directoryOf(base))) {
+        errors.push_back(fileError(out.errorFile(), out.errorMessage()));
+        return false;
+    }
+    if (!write(sheet, base, out, errors))
+        return false;
+    if (!out.commit()) {
+        errors.push_back(fileError(out.errorFile(), out.errorMessage()));
+        return false;
+    }
+    return true;
 }
 
 } // namespace SheetPacker

@@ -15,17 +15,18 @@
 //     SheetPacker::tSheet sheet;
 //     std::vector<std::string> errors;           // "FILE:1:1: error: message" lines
 //     if (!SheetPacker::pack(pictures, options, sheet, errors) ||
-//         !SheetPacker::write(sheet, "out/hero", errors))   // out/hero.json, out/hero-0.png ...
+//         !SheetPacker::write(sheet, "out/hero", errors))   // out/hero.json, out/hero-0-HASH.png ...
 //         for (auto& e : errors) fprintf(stderr, "%s\n", e.c_str());
 //     for (auto& page : sheet.pages) ... page.width, page.paletteBits, page.gpuBytes
 //
 // The result depends on the pictures and options only (not on their order),
 // so the same input gives the same bytes. A billboard showing a picture of
 // the sheet puts it exactly where the untrimmed image would be with its
-// registration point at the element's origin. write() leaves nothing behind
-// when it fails.
+// registration point at the element's origin. write() puts the sheet and its
+// pages in place as one set, or leaves the previous sheet as it was.
 
 #include "ImageIO.h"
+#include "OutputSet.h"
 
 #include <stdint.h>
 #include <string>
@@ -92,11 +93,18 @@ struct tSheet
 bool pack(const std::vector<tPicture>& pictures, const tOptions& options, tSheet& sheet,
           std::vector<std::string>& errors);
 
-/// Writes base + ".json" and base + "-N.png"; the sheet names its pages
-/// relative to its own directory.
+/// Writes base + ".json" and its pages base + "-N-HASH.png" as one set (see
+/// OutputSet); the sheet names its pages relative to its own directory.
+/// HASH is of the page's content, so a page never replaces a different page
+/// the previous sheet still names, and the same input gives the same files.
 bool write(const tSheet& sheet, const std::string& base, std::vector<std::string>& errors);
+/// Adds the pages and then the sheet to an open set, and retires the pages of
+/// the sheet it replaces; the caller commits.
+bool write(const tSheet& sheet, const std::string& base, OutputSet& out, std::vector<std::string>& errors);
 
-/// The sheet description, pages named baseName-N.png.
+/// The file name of page i of the sheet written as base.
+std::string pageName(const tSheet& sheet, size_t i, const std::string& base);
+/// The sheet description, pages named as pageName() gives them.
 std::string sheetJson(const tSheet& sheet, const std::string& baseName);
 
 } // namespace SheetPacker

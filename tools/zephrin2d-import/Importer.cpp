@@ -4,6 +4,7 @@
 #include "ImportLimits.h"
 #include "JsonFields.h"
 #include "MapImporter.h"
+#include "OutputSet.h"
 
 #include <cstdio>
 #include <fstream>
@@ -43,15 +44,27 @@ eKind detect(const std::string& text, const JsonDocument& doc)
     return eKind::Unknown;
 }
 
-bool writeFile(const std::string& path, const std::string& text)
+/// The sheet, its pages and then NAME.json, the commit point, as one set that replaces no input.
+bool writeOutputs(const tImportOptions& options, const SheetPacker::tSheet& sheet, const std::string& base,
+                  const tImportResult& result, std::vector<std::string>& errors)
 {
-    const std::string temp = path + ".tmp";
-    {
-        std::ofstream out(temp, std::ios::binary);
-        if (!(out << text) || !out.flush())
+    OutputSet out;
+    out.protect(options.input);
+    std::string temp;
+    if (out.open(options.outDir) && SheetPacker::write(sheet, base + "-sheet", out, errors) &&
+        !(temp = out.add(base + ".json")).empty()) {
+        std::ofstream file(temp, std::ios::binary);
+        if (!(file << result.content) || !file.flush()) {
+            errors.push_back(base + ".json:1:1: error: cannot be written");
             return false;
+        }
+        file.close();
+        if (out.commit())
+            return true;
     }
-    return rename(temp.c_str(), path.c_str()) == 0;
+    if (!out.errorFile().empty())
+        errors.push_back(out.errorFile() + ":1:1: error: " + out.errorMessage());
+    return false;
 }
 
 // Reads the input and makes its pictures and content; false when refused.
@@ -115,14 +128,9 @@ int runImport(const tImportOptions& options, Diagnostics& diag, std::vector<std:
     pack.output = base + "-sheet";
     SheetPacker::tSheet sheet;
     std::vector<std::string> errors;
-    mkdir(options.outDir.c_str(), 0777);
-    if (!SheetPacker::pack(pictures, pack, sheet, errors) || !SheetPacker::write(sheet, pack.output, errors)) {
+    if (!SheetPacker::pack(pictures, pack, sheet, errors) || !writeOutputs(options, sheet, base, result, errors)) {
         for (const std::string& e : errors)
             diag.addLine(e);
-        return 1;
-    }
-    if (!writeFile(base + ".json", result.content)) {
-        diag.error(base + ".json", 1, 1, "cannot be written");
         return 1;
     }
     report.push_back(base + ".json: " + result.kind + ", " + base + "-sheet.json: " +

@@ -1,6 +1,8 @@
 // zephrin2d-pack: packs loose PNG pictures into a texture sheet.
 #include "CommandLine.h"
 #include "JsonDocument.h"
+#include "OutputSet.h"
+#include "Paths.h"
 #include "SheetPacker.h"
 
 #include <algorithm>
@@ -164,11 +166,27 @@ static void printSheet(const SheetPacker::tSheet& sheet, const std::string& outp
     for (size_t i = 0; i < sheet.pages.size(); ++i) {
         const SheetPacker::tPage& page = sheet.pages[i];
         const std::string kind = page.paletteBits ? std::to_string(page.paletteBits) + "-bit paletted" : "RGBA";
-        printf("%s-%zu.png: %dx%d, %s, %s%d colours, GPU bytes %lu before, %lu after\n", output.c_str(), i,
+        printf("%s%s: %dx%d, %s, %s%d colours, GPU bytes %lu before, %lu after\n", directoryOf(output).c_str(),
+               SheetPacker::pageName(sheet, i, fileNameOf(output)).c_str(),
                page.image.width, page.image.height, kind.c_str(), page.colours > 256 ? "over " : "",
                std::min(page.colours, 256), page.gpuBytesRGBA, page.gpuBytes);
     }
     printf("%s.json: %zu pictures on %zu pages\n", output.c_str(), sheet.pictures.size(), sheet.pages.size());
+}
+
+/// The sheet and its pages as one set that replaces no input.
+static bool writeSheet(const tPackOptions& o, const std::vector<SheetPacker::tPicture>& pictures,
+                       const SheetPacker::tSheet& sheet, std::vector<std::string>& errors)
+{
+    OutputSet out;
+    for (const SheetPacker::tPicture& p : pictures)
+        out.protect(p.source);
+    out.protect(o.sidecar);
+    if (out.open(directoryOf(o.output)) && SheetPacker::write(sheet, o.output, out, errors) && out.commit())
+        return true;
+    if (!out.errorFile().empty())
+        errors.push_back(out.errorFile() + ":1:1: error: " + out.errorMessage());
+    return false;
 }
 
 int main(int argc, char** argv)
@@ -193,13 +211,8 @@ int main(int argc, char** argv)
     else if (!fs::is_regular_file(o.sidecar))
         errors.push_back(o.sidecar + ":1:1: error: cannot read the registration points");
     if (errors.empty() && applySidecar(o.sidecar, pictures, errors) &&
-        SheetPacker::pack(pictures, o.sheet, sheet, errors)) {
-        std::error_code ec;
-        const fs::path folder = fs::path(o.output).parent_path();
-        if (!folder.empty())
-            fs::create_directories(folder, ec);
-        SheetPacker::write(sheet, o.output, errors);
-    }
+        SheetPacker::pack(pictures, o.sheet, sheet, errors))
+        writeSheet(o, pictures, sheet, errors);
     for (const std::string& e : errors)
         fprintf(stderr, "%s\n", e.c_str());
     if (!errors.empty())
