@@ -144,6 +144,43 @@ TEST_F(ImportTest, EveryFlipOfATileDrawsAsTiledShowsIt)
     }
 }
 
+TEST_F(ImportTest, LayerOpacityAndTintDrawAsTiledShowsThem)
+{
+    // Red ground; green over it at opacity 0.5 in the first cell; yellow tinted orange in the second.
+    const std::string tiles = testDataPath("import/tiles.png");
+    writeFile(scratchDir("import") + "/look.tmx",
+              "<map orientation=\"orthogonal\" width=\"2\" height=\"1\" tilewidth=\"8\" tileheight=\"8\">"
+              "<tileset firstgid=\"1\" name=\"t\" tilewidth=\"8\" tileheight=\"8\"><image source=\"" + tiles + "\"/></tileset>"
+              "<layer name=\"ground\" width=\"2\" height=\"1\"><data encoding=\"csv\">1,1</data></layer>"
+              "<layer name=\"half\" opacity=\"0.5\" width=\"2\" height=\"1\"><data encoding=\"csv\">2,0</data></layer>"
+              "<layer name=\"tinted\" tintcolor=\"#ff8000\" width=\"2\" height=\"1\"><data encoding=\"csv\">0,4</data></layer></map>");
+    tImportOptions options;
+    options.input = scratchDir("import") + "/look.tmx";
+    options.outDir = scratchDir("import");
+    Diagnostics diag;
+    std::vector<std::string> report;
+    ASSERT_EQ(runImport(options, diag, report), 0);
+    CTextureSheet lookSheet(options.outDir + "/look-sheet.json");
+    CSceneLoaderJson loader;
+    loader.setTextureSheet(&lookSheet);
+    for (const auto& e : loader.parseJsonFile(const_cast<char*>((options.outDir + "/look.json").c_str())))
+        CDrawManager::Instance()->add(e);
+    CDrawManager::Instance()->setColorsEnabled(true);
+    frame();
+    CDrawManager::Instance()->setColorsEnabled(false);
+    // The expectation from the source picture: tile n's pixel (4, 4), blended and modulated as Tiled does.
+    ImageIO::tImage source;
+    ASSERT_TRUE(ImageIO::readPNG(tiles, source));
+    auto texel = [&source](int tile, int c) { return int(source.at(tile % 2 * 8 + 4, tile / 2 * 8 + 4)[c]); };
+    const int alpha = 128, tint[3] = {255, 128, 0};
+    const tColor faded = pixel(4, 3), tinted = pixel(12, 3);
+    const uint8_t fadedChannels[3] = {faded.r, faded.g, faded.b}, tintedChannels[3] = {tinted.r, tinted.g, tinted.b};
+    for (int c = 0; c < 3; ++c) {
+        EXPECT_NEAR(fadedChannels[c], (texel(0, c) * (255 - alpha) + texel(1, c) * alpha) / 255, 3) << "channel " << c;
+        EXPECT_NEAR(tintedChannels[c], texel(3, c) * tint[c] / 255, 3) << "channel " << c;
+    }
+}
+
 TEST(TileData, EncodingsGiveTheSameTiles)
 {
     const std::vector<uint32_t> tiles = {1, 2, 0x80000003u};

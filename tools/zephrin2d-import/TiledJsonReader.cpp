@@ -12,12 +12,6 @@ bool readTsxTileset(const std::string& path, tTiledTileset& tileset, Diagnostics
 
 namespace {
 
-bool endsWith(const std::string& s, const char* suffix)
-{
-    const size_t n = strlen(suffix);
-    return s.size() >= n && s.compare(s.size() - n, n, suffix) == 0;
-}
-
 bool isDefault(const Json::Value& v, const char* defaultValue)
 {
     if (!defaultValue)
