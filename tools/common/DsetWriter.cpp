@@ -1,5 +1,8 @@
 #include "DsetWriter.h"
 
+#include "OutputSet.h"
+#include "Paths.h"
+
 #include <Dataset.h>
 
 #include <cerrno>
@@ -42,15 +45,27 @@ void DsetWriter::setRoot(uint32_t offset) { put(8, offset); }
 
 bool DsetWriter::write(const std::string& dsetPath, const std::string& relinkPath, std::string& error) const
 {
-    FILE* f = fopen(dsetPath.c_str(), "wb");
-    if (!f || fwrite(mBytes.data(), 1, mBytes.size(), f) != mBytes.size() || fclose(f) != 0) {
-        error = dsetPath + ": " + strerror(errno);
+    // One set: the relink file first, the dataset last, so the old pair stays until the new one is whole.
+    OutputSet out;
+    const std::string relinkTemp = out.open(directoryOf(dsetPath)) ? out.add(relinkPath) : std::string();
+    const std::string dsetTemp = relinkTemp.empty() ? std::string() : out.add(dsetPath);
+    if (dsetTemp.empty()) {
+        error = out.error();
         return false;
     }
-    f = fopen(relinkPath.c_str(), "wb");
+    FILE* f = fopen(relinkTemp.c_str(), "wb");
     if (!f || (!mRelinks.empty() && fwrite(mRelinks.data(), 4, mRelinks.size(), f) != mRelinks.size()) ||
         fclose(f) != 0) {
-        error = relinkPath + ": " + strerror(errno);
+        error = relinkPath + ": cannot be written: " + strerror(errno);
+        return false;
+    }
+    f = fopen(dsetTemp.c_str(), "wb");
+    if (!f || fwrite(mBytes.data(), 1, mBytes.size(), f) != mBytes.size() || fclose(f) != 0) {
+        error = dsetPath + ": cannot be written: " + strerror(errno);
+        return false;
+    }
+    if (!out.commit()) {
+        error = out.error();
         return false;
     }
     return true;

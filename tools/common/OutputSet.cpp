@@ -46,6 +46,10 @@ bool makeDirectories(const std::string& dir)
         struct stat st;
         if (!part.empty() && stat(part.c_str(), &st) != 0 && mkdir(part.c_str(), 0777) != 0 && errno != EEXIST)
             return false;
+        if (!part.empty() && stat(part.c_str(), &st) == 0 && !S_ISDIR(st.st_mode)) {
+            errno = ENOTDIR;
+            return false;
+        }
         if (slash == std::string::npos)
             return true;
     }
@@ -249,31 +253,42 @@ void OutputSet::rollBack(size_t renamed)
 
 void OutputSet::recover()
 {
+    // Before the commit point (the last rename) the killed run's set is undone, after it finished.
     std::string text, error;
     const std::string journal = mDir + "/" + kJournal;
     if (!readTextFile(journal, text, error, 1 << 20))
         return;
-    std::vector<std::string> removals;
+    std::vector<std::vector<std::string> > entries;
     for (size_t at = 0, end; at < text.size(); at = end + 1) {
-        end = text.find('\n', at);
-        if (end == std::string::npos)
-            end = text.size();
+        end = std::min(text.find('\n', at), text.size());
         std::vector<std::string> field;
         for (size_t p = at, tab; p <= end; p = tab + 1) {
             tab = std::min(text.find('\t', p), end);
-            field.push_back(text.substr(p, tab - p));
+            const std::string name = fileNameOf(text.substr(p, tab - p));
+            field.push_back(name.empty() ? name : mDir + "/" + name);
         }
-        const bool safe = field.size() > 1 && fileNameOf(field[1]) == field[1] && !field[1].empty();
-        if (safe && field[0] == "rename" && field.size() == 4 && exists(mDir + "/" + field[1]))
-            rename((mDir + "/" + field[1]).c_str(), (mDir + "/" + fileNameOf(field[2])).c_str());
-        if (safe && field[0] == "rename" && field.size() == 4 && !field[3].empty())
-            removals.push_back(mDir + "/" + fileNameOf(field[3]));
-        if (safe && field[0] == "remove")
-            removals.push_back(mDir + "/" + field[1]);
+        if (field.size() == 4 || field.size() == 2)
+            entries.push_back(field);
+    }
+    bool committed = true;
+    for (const std::vector<std::string>& e : entries)
+        if (e.size() == 4 && !e[1].empty())
+            committed = !exists(e[1]);
+    for (size_t i = entries.size(); i-- > 0;) {
+        const std::vector<std::string>& e = entries[i];
+        if (e[1].empty() || (e.size() == 4 && e[2].empty()))
+            continue;
+        const bool renamed = e.size() == 4 && !exists(e[1]);
+        if (renamed && !committed && !e[3].empty() && exists(e[3]))
+            rename(e[3].c_str(), e[2].c_str());
+        else if (renamed && !committed)
+            unlink(e[2].c_str());
+        if (e.size() == 4 && !e[3].empty())
+            unlink(e[3].c_str());
+        if (e.size() == 2 && committed)
+            unlink(e[1].c_str());
     }
     syncPath(mDir, true);
-    for (const std::string& r : removals)
-        unlink(r.c_str());
     unlink(journal.c_str());
     syncPath(mDir, true);
 }

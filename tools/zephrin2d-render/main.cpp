@@ -6,6 +6,8 @@
 #include "CommandLine.h"
 #include "GLRecorder.h"
 #include "ImageIO.h"
+#include "OutputSet.h"
+#include "Paths.h"
 #include "ContentCheck.h"
 #include "LoadReport.h"
 
@@ -13,6 +15,8 @@
 #include <VellOpenGLConfig.h>
 
 #include <algorithm>
+#include <dirent.h>
+#include <map>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
@@ -108,17 +112,6 @@ bool isDirectory(const std::string& path)
     return stat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
 }
 
-bool makeDirectories(const std::string& path)
-{
-    for (size_t slash = path.find('/', 1); ; slash = path.find('/', slash + 1)) {
-        const std::string part = path.substr(0, slash);
-        if (!part.empty() && !isDirectory(part) && mkdir(part.c_str(), 0755) != 0 && errno != EEXIST)
-            return false;
-        if (slash == std::string::npos)
-            return true;
-    }
-}
-
 std::string framePath(const std::string& dir, int index)
 {
     char name[32];
@@ -132,11 +125,70 @@ bool readFrame(ImageIO::tImage& image)
     return config && config->readPixels(image.rgba, image.width, image.height);
 }
 
-bool writeFrame(const std::string& path)
+/// The pictures the run writes: one set per folder, put in place when the run has drawn every frame.
+class Outputs
 {
-    Tadwick::Vell::VellOpenGLConfig* config = CGraphics2D::Instance()->getConfig();
-    if (!config || !config->writePNG(path.c_str())) {
-        std::fprintf(stderr, "%s: cannot write %s\n", kTool, path.c_str());
+public:
+    /// The temporary file to write path to; empty (with a message) when it cannot be.
+    std::string add(const std::string& path)
+    {
+        OutputSet* set = folder(directoryOf(path));
+        const std::string temp = set ? set->add(path) : std::string();
+        if (set && temp.empty())
+            std::fprintf(stderr, "%s: %s\n", kTool, set->error().c_str());
+        return temp;
+    }
+    /// Frames of a longer earlier run go once the new ones are in place.
+    void retireFrames(const std::string& dir)
+    {
+        OutputSet* set = folder(dir);
+        DIR* d = set ? opendir(set->dir().c_str()) : 0;
+        for (struct dirent* e = d ? readdir(d) : 0; e; e = readdir(d)) {
+            unsigned index = 0;
+            char tail = 0;
+            if (std::sscanf(e->d_name, "frame-%4u.pn%c", &index, &tail) == 2 && tail == 'g' &&
+                std::strlen(e->d_name) == 14)
+                set->retire(e->d_name);
+        }
+        if (d)
+            closedir(d);
+    }
+    bool commit()
+    {
+        for (auto& set : mSets)
+            if (!set.second->commit()) {
+                std::fprintf(stderr, "%s: %s\n", kTool, set.second->error().c_str());
+                return false;
+            }
+        return true;
+    }
+
+private:
+    OutputSet* folder(const std::string& dir)
+    {
+        std::unique_ptr<OutputSet>& set = mSets[dir];
+        if (!set) {
+            set.reset(new OutputSet());
+            if (!set->open(dir)) {
+                std::fprintf(stderr, "%s: %s\n", kTool, set->error().c_str());
+                return 0;
+            }
+        }
+        return set.get();
+    }
+
+    std::map<std::string, std::unique_ptr<OutputSet> > mSets;
+};
+
+/// The frame just drawn, opaque: a saved frame is a picture, not a layer.
+bool writeFrame(Outputs& outputs, const std::string& path)
+{
+    ImageIO::tImage frame;
+    const std::string temp = outputs.add(path);
+    if (temp.empty())
+        return false;
+    if (!readFrame(frame) || !ImageIO::writePNG(temp, frame, true)) {
+        std::fprintf(stderr, "%s: %s: cannot be written\n", kTool, path.c_str());
         return false;
     }
     return true;
@@ -163,19 +215,10 @@ std::unique_ptr<Demo> makeSource(const tOptions& options)
 int run(const tOptions& options, Demo& demo)
 {
     const bool toDirectory = !options.out.empty() && (options.out.back() == '/' || isDirectory(options.out));
-    if (toDirectory && !makeDirectories(options.out)) {
-        std::fprintf(stderr, "%s: cannot make directory %s: %s\n", kTool, options.out.c_str(), std::strerror(errno));
-        return 1;
-    }
-    // The directories of the files to write are made when missing.
-    const std::string files[2] = {toDirectory ? std::string() : options.out, options.contactSheet};
-    for (const std::string& file : files) {
-        const size_t slash = file.rfind('/');
-        if (slash != std::string::npos && slash > 0 && !makeDirectories(file.substr(0, slash))) {
-            std::fprintf(stderr, "%s: cannot make directory for %s: %s\n", kTool, file.c_str(), std::strerror(errno));
-            return 1;
-        }
-    }
+    const std::string frameDir = toDirectory ? options.out + (options.out.back() == '/' ? "" : "/") : std::string();
+    Outputs outputs;
+    if (toDirectory)
+        outputs.retireFrames(frameDir);
     const DemoOptions& o = options.demo;
     Tadwick::Vell::VellOpenGLConfig::SetSurfaceSize(o.width, o.height);
     CGraphics2D* graphics = CGraphics2D::Instance();
@@ -212,17 +255,19 @@ int run(const tOptions& options, Demo& demo)
                         c.uploadBytes, micros);
             std::fflush(stdout);
         }
-        if (toDirectory && !writeFrame(framePath(options.out, i)))
+        if (toDirectory && !writeFrame(outputs, framePath(options.out, i)))
             return 1;
         ImageIO::tImage frame;
         if (!options.contactSheet.empty() && i % every == 0 && readFrame(frame))
             sheet.add(i, frame);
     }
-    if (!options.contactSheet.empty() && !ImageIO::writePNG(options.contactSheet, sheet.compose())) {
-        std::fprintf(stderr, "%s: cannot write %s\n", kTool, options.contactSheet.c_str());
+    std::string temp;
+    if (!options.contactSheet.empty() &&
+        ((temp = outputs.add(options.contactSheet)).empty() || !ImageIO::writePNG(temp, sheet.compose(), true))) {
+        std::fprintf(stderr, "%s: %s: cannot be written\n", kTool, options.contactSheet.c_str());
         return 1;
     }
-    if (!options.out.empty() && !toDirectory && !writeFrame(options.out))
+    if ((!options.out.empty() && !toDirectory && !writeFrame(outputs, options.out)) || !outputs.commit())
         return 1;
     if (report && report->count() > 0) {
         std::fprintf(stderr, "%s: %s\n", kTool, report->summary(options.scene, sceneFiles.checkArguments()).c_str());

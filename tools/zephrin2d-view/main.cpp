@@ -2,6 +2,9 @@
 #include "CommandLine.h"
 #include "ContentCheck.h"
 #include "GLRecorder.h"
+#include "ImageIO.h"
+#include "OutputSet.h"
+#include "Paths.h"
 #include "LoadReport.h"
 #include "SceneFiles.h"
 
@@ -64,6 +67,21 @@ bool parse(int argc, char** argv, tOptions& o, int& status)
         return false;
     o.files.scene = scenes[0];
     return true;
+}
+
+/// The frame just drawn, opaque, as a set of one file.
+bool saveScreenshot(const Tadwick::Vell::VellOpenGLConfig& config, const std::string& path)
+{
+    OutputSet out;
+    ImageIO::tImage frame;
+    std::string temp;
+    if (out.open(directoryOf(path)) && !(temp = out.add(path)).empty() &&
+        config.readPixels(frame.rgba, frame.width, frame.height) && ImageIO::writePNG(temp, frame, true) &&
+        out.commit())
+        return true;
+    std::fprintf(stderr, "%s: %s\n", kTool, out.errorFile().empty() ? (path + ": cannot be written").c_str()
+                                                                     : out.error().c_str());
+    return false;
 }
 
 /// What the last load reported: on standard error, in the window title and
@@ -210,10 +228,8 @@ int view(const tOptions& o)
         const GLRecorder::tCounters counters = GLRecorder::counters();
         const bool lastFrame = o.frames > 0 && frame + 1 >= o.frames;
         if (lastFrame && !o.screenshot.empty()) {
-            if (!config->writePNG(o.screenshot.c_str())) {
-                std::fprintf(stderr, "%s: cannot write %s\n", kTool, o.screenshot.c_str());
+            if (!saveScreenshot(*config, o.screenshot))
                 status = 1;
-            }
         }
         graphics->swapBuffer();
         ++frame;
