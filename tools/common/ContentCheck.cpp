@@ -67,23 +67,31 @@ ContentCheck::ContentCheck(Diagnostics& report, const SceneOptions& options) : m
 
 int ContentCheck::errorsIn(const SceneOptions& options, std::string& first)
 {
+    Diagnostics report;
+    std::vector<std::string> files;
+    if (!options.scene.empty())
+        files.push_back(options.scene);
+    quietly(options, files, options.scene.empty() ? Unknown : Scene, report);
+    first = report.firstError();
+    return report.errors();
+}
+
+void ContentCheck::quietly(const ContentOptions& options, const std::vector<std::string>& files, Kind kind,
+                           Diagnostics& found)
+{
     using Tadwick::Vell::CDebugMPI;
     const CDebugMPI::tHandler handler = CDebugMPI::SetHandler([](int, int, const std::string&) {});
     const CDebugMPI::tHandler listener = CDebugMPI::SetListener(CDebugMPI::tHandler());
     const BaseUtils::tAssertHandler assertListener = BaseUtils::SetAssertListener(BaseUtils::tAssertHandler());
-    Diagnostics report;
     {
-        ContentCheck check(report, options);
-        std::vector<std::string> files;
-        if (!options.scene.empty())
-            files.push_back(options.scene);
-        check.checkAll(files, options.scene.empty() ? Unknown : Scene);
+        SceneOptions scene;
+        static_cast<ContentOptions&>(scene) = options;
+        ContentCheck check(found, scene);
+        check.checkAll(files, kind);
     }
     BaseUtils::SetAssertListener(assertListener);
     CDebugMPI::SetListener(listener);
     CDebugMPI::SetHandler(handler);
-    first = report.firstError();
-    return report.errors();
 }
 
 void ContentCheck::loadSheetNames()

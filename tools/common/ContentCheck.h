@@ -31,6 +31,9 @@ public:
     /// The errors of the files of options (scene, sheet, costume, actors), found
     /// quietly (nothing is printed, no listener is told); first is the first one.
     static int errorsIn(const SceneOptions& options, std::string& first);
+    /// checkAll, quietly, into found.
+    static void quietly(const ContentOptions& options, const std::vector<std::string>& files, Kind kind,
+                        Diagnostics& found);
 
     /// Checks the sheet, costume and actor files of the options, then files
     /// (kind Unknown: each by its content); each file once.

@@ -242,18 +242,6 @@ bool hasShape(const Json::Value& v, const tKey& key)
     return true;
 }
 
-FileKind kindOf(const Json::Value& root)
-{
-    if (root.isArray())
-        return FileKind::Scene;
-    if (!root.isObject())
-        return FileKind::Unknown;
-    return root.isMember("Animation") ? FileKind::Actor
-         : root.isMember("ImageData") ? FileKind::Sheet
-         : root.isMember("LODList") ? FileKind::Costume
-         : FileKind::Unknown;
-}
-
 FileKind datasetKindOf(const std::string& path)
 {
     static const std::string extension = ".dsetBin";

@@ -68,9 +68,20 @@ bool isInteger(const Json::Value& v);
 /// Whether v has the key's type, arity and item types (not its range).
 bool hasShape(const Json::Value& v, const tKey& key);
 
-/// The kind of a JSON document: an array is a scene, an object with
-/// "Animation" an actor, with "ImageData" a texture sheet, with "LODList" a costume.
-FileKind kindOf(const Json::Value& root);
+/// The kind of a JSON document (a jsoncpp or a platform JSON value): an array
+/// is a scene, an object with "Animation" an actor, with "ImageData" a
+/// texture sheet, with "LODList" a costume.
+template <class TValue> FileKind kindOf(const TValue& root)
+{
+    if (root.isArray())
+        return FileKind::Scene;
+    if (!root.isObject())
+        return FileKind::Unknown;
+    return root.isMember("Animation") ? FileKind::Actor
+         : root.isMember("ImageData") ? FileKind::Sheet
+         : root.isMember("LODList") ? FileKind::Costume
+         : FileKind::Unknown;
+}
 /// The kind of a file: a name ending in ".dsetBin" or content starting with
 /// the dataset magic number is a dataset, else Unknown (read the JSON).
 FileKind datasetKindOf(const std::string& path);

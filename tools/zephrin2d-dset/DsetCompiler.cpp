@@ -1,5 +1,6 @@
 #include "DsetCompiler.h"
 
+#include "ContentModel.h"
 #include "DsetWriter.h"
 #include "tDsetCostume.h"
 #include "tDsetRecords.h"
@@ -7,6 +8,7 @@
 
 #include <QJN.h>
 
+#include <cstdlib>
 #include <stdexcept>
 
 namespace DsetCompiler {
@@ -33,11 +35,27 @@ bool load(const std::string& jsonPath, QJN::CJSonFile& file, std::string& error)
     return true;
 }
 
+using ContentModel::Object;
+using ContentModel::tKey;
+
+const tKey& model(Object object, const char* key) { return *ContentModel::key(object, key); }
+
 int32_t number(const QJN::Value& v, const std::string& path)
 {
     if (!v.isDouble())
         fail(path, "expected a number");
+    if (v.asDouble() < ContentModel::kFixedMin || v.asDouble() >= ContentModel::kFixedMax + 1)
+        fail(path, "out of range: 16.16 fixed point holds -32768 to 32767");
     return tFixed::fromFloat(v.asDouble()).raw();
+}
+
+/// A number key of an object, its default when it is absent and may be.
+int32_t number(const QJN::Value& object, Object kind, const char* key, const std::string& path)
+{
+    const tKey& k = model(kind, key);
+    if (!object.isMember(key) && !k.required && k.byDefault)
+        return tFixed::fromFloat(std::atof(k.byDefault)).raw();
+    return number(object[key], at(path, key));
 }
 
 int integer(const QJN::Value& v, const std::string& path)
@@ -45,6 +63,25 @@ int integer(const QJN::Value& v, const std::string& path)
     if (!v.isInt())
         fail(path, "expected an integer");
     return v.asInt();
+}
+
+/// An integer within the range the model gives the key (its items, for an array).
+int integer(const QJN::Value& v, const std::string& path, const tKey& key)
+{
+    const int i = integer(v, path);
+    if (i < key.min || i > key.max)
+        fail(path, std::to_string(i) + " is out of range: it takes " + std::to_string(key.min) + " to " +
+                       std::to_string(key.max));
+    return i;
+}
+
+/// A definition number, kept as 16 bits in a dataset.
+uint16_t id(const QJN::Value& v, const std::string& path)
+{
+    const int i = integer(v["ID"], at(path, "ID"));
+    if (i < 0 || i > 65535)
+        fail(at(path, "ID"), std::to_string(i) + " does not fit in the 16 bits a dataset keeps");
+    return static_cast<uint16_t>(i);
 }
 
 std::string text(const QJN::Value& v, const std::string& path)
@@ -98,7 +135,7 @@ tDsetGraphicElement element(const QJN::Value& v, const std::string& path)
             fail(p, "expected 4 integers");
         uint8_t* dst = &e.color.red;
         for (unsigned int i = 0; i < 4; ++i)
-            dst[i] = static_cast<uint8_t>(integer(color[i], at(p, i)));
+            dst[i] = static_cast<uint8_t>(integer(color[i], at(p, i), model(Object::Billboard, "Color")));
     }
     return e;
 }
@@ -113,8 +150,7 @@ struct tCounts
 
 bool isReference(const QJN::Value& v, unsigned int& count, const std::string& path)
 {
-    const unsigned int id = static_cast<unsigned int>(integer(v["ID"], at(path, "ID")));
-    if (id < count)
+    if (id(v, path) < count)
         return true;
     ++count;
     return false;
@@ -130,7 +166,7 @@ void writeBillboard(DsetWriter& out, uint32_t offset, const QJN::Value& v, const
 {
     tDsetBillboard b;
     memset(&b, 0, sizeof b);
-    b.id = static_cast<uint16_t>(integer(v["ID"], at(path, "ID")));
+    b.id = id(v, path);
     const bool reference = isReference(v, counts.billboards, path);
     if (!reference)
         b.element = element(v, path);
@@ -144,7 +180,7 @@ void writeAvatarPiece(DsetWriter& out, uint32_t offset, const QJN::Value& v, con
 {
     tDsetAvatarPiece a;
     memset(&a, 0, sizeof a);
-    a.id = static_cast<uint16_t>(integer(v["ID"], at(path, "ID")));
+    a.id = id(v, path);
     const bool reference = isReference(v, counts.avatarPieces, path);
     if (!reference)
         a.element = element(v, path);
@@ -169,6 +205,7 @@ void writeOperations(DsetWriter& out, uint32_t celOffset, const QJN::Value& cel,
         const std::string op = at(p, i);
         tDsetOperation o;
         memset(&o, 0, sizeof o);
+        // Opcodes the actor ignores are kept: the loaders drop them, as they do from JSON.
         const int opcode = integer(ops[i]["Opcode"], at(op, "Opcode"));
         if (opcode < -32768 || opcode > 32767)
             fail(at(op, "Opcode"), "out of range");
@@ -183,7 +220,7 @@ void writeOperations(DsetWriter& out, uint32_t celOffset, const QJN::Value& cel,
                 if (arg.size() == 2)
                     o.audioName2 = out.addString(text(arg[1u], at(at(op, "Oparg"), 1u)));
             } else {
-                o.oparg = static_cast<uint16_t>(integer(arg, at(op, "Oparg")));
+                o.oparg = static_cast<uint16_t>(integer(arg, at(op, "Oparg"), model(Object::Operation, "Oparg")));
             }
         }
         out.put(offset, o);
@@ -205,9 +242,10 @@ void writeChildren(DsetWriter& out, uint32_t celOffset, const QJN::Value& cel, c
     std::vector<unsigned int> billboards, pieces;
     for (unsigned int i = 0; i < children.size(); ++i) {
         const int type = integer(children[i]["ElementType"], at(at(p, i), "ElementType"));
-        if (type == 0)
+        const Object kind = ContentModel::objectOf(type);
+        if (kind == Object::Billboard)
             billboards.push_back(i);
-        else if (type == 4 || type == 5)
+        else if (kind == Object::AvatarPiece)
             pieces.push_back(i);
         else
             fail(at(at(p, i), "ElementType"), "only billboards (0) and avatar pieces (4, 5) can be compiled into a cel");
@@ -256,11 +294,9 @@ void actor(const QJN::Value& root, DsetWriter& out)
         const uint32_t offset = base + i * sizeof(tDsetSpriteCel);
         tDsetSpriteCel c;
         memset(&c, 0, sizeof c);
-        c.id = static_cast<uint16_t>(integer(cel["ID"], at(p, "ID")));
-        const int duration = integer(cel["Duration"], at(p, "Duration"));
-        if (duration < 0)
-            fail(at(p, "Duration"), "expected an integer not below 0");
-        c.duration = static_cast<uint16_t>(duration);
+        c.id = id(cel, p);
+        c.duration = static_cast<uint16_t>(
+            integer(cel["Duration"], at(p, "Duration"), model(Object::AnimationCel, "Duration")));
         if (cel.isMember("Label"))
             c.label = out.addString(text(cel["Label"], at(p, "Label")));
         out.put(offset, c);
@@ -304,7 +340,7 @@ void costume(const QJN::Value& root, DsetWriter& out)
         const uint32_t lodOffset = lodBase + i * sizeof(tDsetCostumeLOD);
         tDsetCostumeLOD lod;
         memset(&lod, 0, sizeof lod);
-        lod.size = integer(lods[i]["Size"], at(p, "Size"));
+        lod.size = integer(lods[i]["Size"], at(p, "Size"), model(Object::LOD, "Size"));
         const uint32_t uri = out.addString(text(lods[i]["TextureURI"], at(p, "TextureURI")));
         const QJN::Value components = array(lods[i]["ComponentList"], at(p, "ComponentList"));
         lod.componentCount = components.size();
@@ -330,12 +366,12 @@ void costume(const QJN::Value& root, DsetWriter& out)
                 const QJN::Value var = variations[v];
                 tDsetCostumeVariation r;
                 r.name = 0;
-                r.left = number(var["RectLeft"], at(vp, "RectLeft"));
-                r.top = number(var["RectTop"], at(vp, "RectTop"));
-                r.right = number(var["RectRight"], at(vp, "RectRight"));
-                r.bottom = number(var["RectBottom"], at(vp, "RectBottom"));
-                r.regX = number(var["RegPointX"], at(vp, "RegPointX"));
-                r.regY = number(var["RegPointY"], at(vp, "RegPointY"));
+                r.left = number(var, Object::Variation, "RectLeft", vp);
+                r.top = number(var, Object::Variation, "RectTop", vp);
+                r.right = number(var, Object::Variation, "RectRight", vp);
+                r.bottom = number(var, Object::Variation, "RectBottom", vp);
+                r.regX = number(var, Object::Variation, "RegPointX", vp);
+                r.regY = number(var, Object::Variation, "RegPointY", vp);
                 const uint32_t name = out.addString(text(var["Name"], at(vp, "Name")));
                 const uint32_t offset = varBase + v * sizeof(tDsetCostumeVariation);
                 out.put(offset, r);
@@ -366,11 +402,11 @@ tKind detectKind(const std::string& jsonPath, std::string& error)
     QJN::CJSonFile file(jsonPath, 0);
     if (!load(jsonPath, file, error))
         return KIND_UNKNOWN;
-    const QJN::Value& root = file.getRoot();
-    if (root.isMember("Animation"))
-        return KIND_ACTOR;
-    if (root.isMember("LODList"))
-        return KIND_COSTUME;
+    switch (ContentModel::kindOf(file.getRoot())) {
+    case ContentModel::FileKind::Actor: return KIND_ACTOR;
+    case ContentModel::FileKind::Costume: return KIND_COSTUME;
+    default: break;
+    }
     error = jsonPath + ": neither an actor (no \"Animation\") nor a costume (no \"LODList\")";
     return KIND_UNKNOWN;
 }

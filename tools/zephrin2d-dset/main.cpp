@@ -1,5 +1,6 @@
 // zephrin2d-dset: compiles an actor or costume JSON file into a dataset.
 #include "CommandLine.h"
+#include "ContentCheck.h"
 #include "DsetCompiler.h"
 #include "ImageCheck.h"
 #include "LoadReport.h"
@@ -74,6 +75,20 @@ static int verify(DsetCompiler::tKind kind, const tDsetOptions& o)
     return 0;
 }
 
+/// What the checker refuses is not compiled: dset, check and render agree on every file.
+static bool checked(const tDsetOptions& o)
+{
+    Diagnostics found("zephrin2d-dset");
+    ContentCheck::quietly(o.content, {o.input}, ContentCheck::Unknown, found);
+    for (const std::string& line : found.lines())
+        if (line.find(": warning: ") == std::string::npos)
+            fprintf(stderr, "%s\n", line.c_str());
+    if (found.errors())
+        fprintf(stderr, "zephrin2d-dset: %s: %d error%s: nothing written\n", o.input.c_str(), found.errors(),
+                found.errors() == 1 ? "" : "s");
+    return found.errors() == 0;
+}
+
 int main(int argc, char** argv)
 {
     tDsetOptions o;
@@ -92,6 +107,8 @@ int main(int argc, char** argv)
             fprintf(stderr, "zephrin2d-dset: %s\n", m.c_str());
         return 1;
     }
+    if (kind != DsetCompiler::KIND_UNKNOWN && !checked(o))
+        return 1;
     if (!DsetCompiler::compileFile(o.input, o.output, kind, error)) {
         fprintf(stderr, "zephrin2d-dset: %s\n", error.c_str());
         return 1;
