@@ -180,4 +180,43 @@ TEST_F(SheetPackerTest, PalettesNeverChangeAPixel)
     }
 }
 
+// What the tools read from PNG files: 8-bit samples as stored, 16-bit ones
+// without gamma, and no memory for a size past the limits; frames saved opaque.
+TEST(ToolPNG, ReadsAsStoredAndRefusesSizesPastTheLimits)
+{
+    const struct
+    {
+        const char* file;
+        const char* error;  // empty: read, first pixel below
+        uint8_t first[4];
+    } cases[] = {
+        {"rgb16_gamma.png", "", {70, 160, 70, 255}},
+        {"rgb.png", "", {3, 5, 7, 255}},
+        {"huge_30000.png", "is 30000x30000 pixels; the limit is 8192 pixels a side", {}},
+        {"huge_16000.png", "is 16000x16000 pixels; the limit is 8192 pixels a side", {}},
+        {"not_a_png.png", "not a PNG file", {}},
+        {"truncated.png", "the PNG file is damaged", {}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.file);
+        ImageIO::tImage image;
+        std::string error;
+        const bool read = ImageIO::readPNG(std::string(Z2D_TEST_DATA_DIR) + "/png/" + c.file, image, error);
+        EXPECT_EQ(read, !*c.error) << error;
+        EXPECT_NE(error.find(c.error), std::string::npos) << error;
+        if (read)
+            EXPECT_EQ(std::vector<uint8_t>(image.rgba.begin(), image.rgba.begin() + 4),
+                      std::vector<uint8_t>(c.first, c.first + 4));
+        else
+            EXPECT_TRUE(image.rgba.empty());
+    }
+    ImageIO::tImage frame;
+    frame.width = frame.height = 1;
+    frame.rgba = {10, 20, 30, 40};
+    const std::string path = scratchDir("tool-png") + "/frame.png";
+    ImageIO::tImage back;
+    ASSERT_TRUE(ImageIO::writePNG(path, frame, true) && ImageIO::readPNG(path, back));
+    EXPECT_EQ(back.rgba, (std::vector<uint8_t>{10, 20, 30, 255}));
+}
+
 } // namespace

@@ -155,7 +155,6 @@ bool readRGBA(FILE* f, tImage& image, tReadState& state, std::string& limit, std
         png_destroy_read_struct(&png, &info, 0);
         return false;
     }
-    png_set_user_limits(png, kMaxSide, kMaxSide);
     png_set_chunk_malloc_max(png, 8u << 20);
     png_init_io(png, f);
     png_read_info(png, info);

@@ -131,6 +131,11 @@ def files():
     yield "rgb_1x4096.png", direct(1, 4096, False)
     # Only the header claims the size: the data is one byte.
     yield "huge_100000.png", png(ihdr(100000, 100000, 8, 2), chunk(b"IDAT", zlib.compress(b"\0")))
+    yield "huge_30000.png", png(ihdr(30000, 30000, 8, 6), chunk(b"IDAT", zlib.compress(b"\0")))
+    yield "huge_16000.png", png(ihdr(16000, 16000, 8, 2), chunk(b"IDAT", zlib.compress(b"\0" * 48001)))
+    # The tools take 16-bit files, reduced to 8 bits without gamma: (70, 160, 70) stays.
+    yield "rgb16_gamma.png", png(ihdr(1, 1, 16, 2), chunk(b"gAMA", struct.pack(">I", 45455)),
+                                 idat([pack_row([70 * 257, 160 * 257, 70 * 257], 16)]))
 
     # Broken.
     cut = good_rgb.index(b"IDAT") + 20
