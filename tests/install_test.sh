@@ -37,6 +37,13 @@ for tool in "$prefix"/bin/*; do
 done
 [ "$tools" -gt 0 ] || fail "no tools installed in $prefix/bin"
 
+# The installed render tool draws its demos from the installed example content, not the source tree.
+echo "== zephrin2d-render --demo meadow"
+ZEPHRIN2D_DEBUG_LEVEL=3 "$prefix/bin/zephrin2d-render" --demo meadow --out "$work/meadow.png" > "$work/meadow.log" 2>&1 ||
+    { cat "$work/meadow.log" >&2; fail "zephrin2d-render --demo meadow failed"; }
+grep -q "$source/examples" "$work/meadow.log" && fail "the installed zephrin2d-render read $source/examples"
+grep -q "$prefix/bin/../share/zephrin2d/examples" "$work/meadow.log" || fail "meadow: the installed content was not read"
+
 # --as-needed drops the platform library from the program: the main library
 # must find it through its own run path. New dtags make the program's run path
 # apply to its own dependencies only, as most distributions' linkers do.

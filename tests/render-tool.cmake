@@ -11,4 +11,9 @@ add_test(NAME render-tool-every-frame
 add_test(NAME render-tool-bad-options
   COMMAND sh -c "for a in '--size 0x10' '--frames x' '--dt' '--demo none' '--nope' 'a.json b.json'; do \"$0\" $a >/dev/null 2>&1; s=$?; [ $s -eq 2 ] || { echo \"$a: exit $s\"; exit 1; }; done"
     $<TARGET_FILE:zephrin2d-render>)
-set_tests_properties(render-tool-shapes render-tool-every-frame render-tool-bad-options PROPERTIES LABELS tools)
+# Actor files alone are drawn (not a demo).
+add_test(NAME render-tool-actor-alone
+  COMMAND sh -c "\"$0\" --actor \"$1/demo/hero.json\" && ! \"$0\" --actor \"$1/demo/no-such-actor.json\""
+    $<TARGET_FILE:zephrin2d-render> ${PROJECT_SOURCE_DIR}/examples)
+set_tests_properties(render-tool-shapes render-tool-every-frame render-tool-bad-options render-tool-actor-alone
+  PROPERTIES LABELS tools)

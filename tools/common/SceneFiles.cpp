@@ -41,6 +41,8 @@ std::string SceneOptions::checkArguments() const
         args += "--costume " + costume + " ";
     for (const std::string& dir : artPaths)
         args += "--art-path " + dir + " ";
+    for (const std::string& actor : actors)
+        args += "--actor " + actor + " ";
     if (hasDefaultPath)
         args += "--default-path '" + defaultPath + "' ";
     return args + scene;
@@ -65,7 +67,8 @@ bool SceneFiles::load(std::string& error)
 bool SceneFiles::loadFiles(std::string& error)
 {
     unload();
-    if (!readable(mOptions.scene)) {
+    // Actor files alone make a scene too.
+    if ((!mOptions.scene.empty() || mOptions.actors.empty()) && !readable(mOptions.scene)) {
         error = mOptions.scene + ": cannot be read";
         return false;
     }
@@ -92,7 +95,9 @@ bool SceneFiles::loadFiles(std::string& error)
         loader.setCostume(mCostume.get());
     }
     loader.setDefaultPath(mOptions.billboardPrefix());
-    CSceneLoaderJson::tElementList elements = loader.parseJsonFile(mOptions.scene.c_str());
+    CSceneLoaderJson::tElementList elements;
+    if (!mOptions.scene.empty())
+        elements = loader.parseJsonFile(mOptions.scene.c_str());
     for (const std::string& file : mOptions.actors) {
         boost::shared_ptr<CActor2D> actor(new CActor2D());
         if (actor->loadFile(file, mCostume.get(), mSheet.get()))
@@ -113,7 +118,7 @@ bool SceneFiles::loadFiles(std::string& error)
         }
     }
     if (mElements.empty()) {
-        error = mOptions.scene + ": no element loaded";
+        error = (mOptions.scene.empty() ? mOptions.actors[0] : mOptions.scene) + ": no element loaded";
         return false;
     }
     return true;

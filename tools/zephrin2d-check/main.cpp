@@ -28,11 +28,13 @@ int main(int argc, char** argv)
     line.choice("--kind", "scene, actor, sheet, costume or dataset (default: from the content)",
                 {"scene", "actor", "sheet", "costume", "dataset"}, kind);
     line.format(json);
-    line.operands("files", 1, 100000, files);
+    line.operands("files", 0, 100000, files);
     line.epilog("Exit status: 0 no errors (warnings allowed), 1 errors, 2 bad usage.\n");
     int status = 0;
     if (!line.parse(argc, argv, status))
         return status;
+    if (files.empty() && options.sheets.empty() && options.costume.empty() && options.actors.empty())
+        return line.usageError("no files given");
     // Everything the library says while files are looked at is the checker's business, not the user's.
     Tadwick::Vell::CDebugMPI::SetHandler([](int, int, const std::string&) {});
 

@@ -1,5 +1,10 @@
 #include "Demo.h"
 
+#include "Paths.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <map>
 
 Demo::~Demo() {}
@@ -36,3 +41,17 @@ std::vector<std::string> names()
 }
 
 } // namespace DemoRegistry
+
+std::string examplesDir()
+{
+    char exe[4096];
+    const ssize_t n = readlink("/proc/self/exe", exe, sizeof exe - 1);
+    if (n > 0) {
+        exe[n] = 0;
+        const std::string installed = directoryOf(exe) + "../share/zephrin2d/examples/";
+        struct stat st;
+        if (stat((installed + "demo/scene.json").c_str(), &st) == 0)
+            return installed;
+    }
+    return ZEPHRIN2D_EXAMPLES_DIR "/";
+}

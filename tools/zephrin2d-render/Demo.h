@@ -52,6 +52,10 @@ std::vector<std::string> names();
 
 } // namespace DemoRegistry
 
+/// The example content's folder, with its trailing "/": share/zephrin2d/examples
+/// beside an installed tool, else the source tree's examples (a tool in the build tree).
+std::string examplesDir();
+
 /// Adds a demo by adding its source file only; write it once, at namespace scope:
 ///     Z2D_REGISTER_DEMO("shapes", DemoShapes);
 #define Z2D_REGISTER_DEMO(NAME, CLASS)                                                      \

@@ -260,11 +260,11 @@ private:
             }
     }
 
-    /// An example file: through the asset lookup, else from the source tree.
+    /// An example file: through the asset lookup, else from the example content.
     static Glib::ustring exampleFile(const char* name)
     {
         const Glib::ustring found = CSystemData::Instance()->FindArt(name);
-        return found.empty() ? Glib::ustring(ZEPHRIN2D_EXAMPLES_DIR "/demo/") + name : found;
+        return found.empty() ? Glib::ustring(examplesDir() + "demo/" + name) : found;
     }
 
     void dressKids(const DemoOptions& options)

@@ -18,7 +18,7 @@ public:
     void build(const DemoOptions&) override
     {
         mScene.reset(new tDemoScene());
-        buildDemoScene(*mScene, ZEPHRIN2D_EXAMPLES_DIR "/demo/");
+        buildDemoScene(*mScene, examplesDir() + "demo/");
     }
 
     void frame(int index, int dtMs) override

@@ -197,7 +197,7 @@ bool writeFrame(Outputs& outputs, const std::string& path)
 /// What draws the frames: a demo, or later a scene file.
 std::unique_ptr<Demo> makeSource(const tOptions& options)
 {
-    if (!options.scene.empty()) {
+    if (!options.scene.empty() || !options.sceneFiles.actors.empty()) {
         SceneOptions files = options.sceneFiles;
         files.scene = options.scene;
         return std::unique_ptr<Demo>(new SceneDemo(files));
@@ -232,8 +232,9 @@ int run(const tOptions& options, Demo& demo)
     SceneOptions sceneFiles = options.sceneFiles;
     sceneFiles.scene = options.scene;
     std::string firstFound;
-    const int found = options.scene.empty() ? 0 : ContentCheck::errorsIn(sceneFiles, firstFound);
-    std::unique_ptr<LoadReport> report(options.scene.empty() ? 0 : new LoadReport());
+    const bool content = !options.scene.empty() || !sceneFiles.actors.empty();
+    const int found = content ? ContentCheck::errorsIn(sceneFiles, firstFound) : 0;
+    std::unique_ptr<LoadReport> report(content ? new LoadReport() : 0);
     if (report)
         report->add(found, firstFound);
     demo.build(o);
@@ -270,7 +271,7 @@ int run(const tOptions& options, Demo& demo)
     if ((!options.out.empty() && !toDirectory && !writeFrame(outputs, options.out)) || !outputs.commit())
         return 1;
     if (report && report->count() > 0) {
-        std::fprintf(stderr, "%s: %s\n", kTool, report->summary(options.scene, sceneFiles.checkArguments()).c_str());
+        std::fprintf(stderr, "%s: %s\n", kTool, report->summary(content && options.scene.empty() ? sceneFiles.actors[0] : options.scene, sceneFiles.checkArguments()).c_str());
         return 1;
     }
     return 0;
