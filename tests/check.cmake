@@ -49,3 +49,12 @@ foreach(case "render-missing.json:" "postion.json:" "sheet-names.json:--sheet sh
     WORKING_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR}/data/check)
   set_tests_properties(render-loud-${scene} PROPERTIES LABELS tools ENVIRONMENT ZEPHRIN2D_DEBUG_LEVEL=1)
 endforeach()
+
+# check, dset and render agree on every file of the broken-content corpus.
+if(Python3_Interpreter_FOUND)
+  add_test(NAME tools-agree
+    COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/agreement.py $<TARGET_FILE:zephrin2d-check>
+      $<TARGET_FILE:zephrin2d-dset> $<TARGET_FILE:zephrin2d-render> ${CMAKE_CURRENT_SOURCE_DIR}/data
+      ${CMAKE_CURRENT_BINARY_DIR}/agree)
+  set_tests_properties(tools-agree PROPERTIES LABELS tools)
+endif()

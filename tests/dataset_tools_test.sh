@@ -19,6 +19,13 @@ for args in "--costume $W/hero.dsetBin" "--actor $W/kid-costume.dsetBin" "--cost
     fail "zephrin2d-dump $args: exit $rc, $(cat "$W/dump.err")"
 done
 
+# A cel count no dataset can hold is reported, not dumped as an actor without cels.
+cp "$W/hero.dsetBin" "$W/huge.dsetBin" && cp "$W/hero.relinkBin" "$W/huge.relinkBin"
+root=$(od -An -tu4 -j8 -N4 "$W/huge.dsetBin" | tr -d ' ')
+printf '\377\377\377\377' | dd of="$W/huge.dsetBin" bs=1 seek=$((root + 40)) conv=notrunc 2>/dev/null
+"$DUMP" "$W/huge.dsetBin" >"$W/dump.out" 2>"$W/dump.err" && fail "a cel count of 0xFFFFFFFF dumped"
+grep -q "its 4294967295 cels reach outside the dataset" "$W/dump.err" || fail "message: $(cat "$W/dump.err")"
+
 # Sheet pictures: refused without the sheet, named; taken with it, also under --verify.
 sed 's/"hero_walk[0-9].png"/"hero"/; s/"hero_wave1.png"/"coin"/' "$W/hero.json" >"$W/sheeted.json"
 for verify in "" --verify; do

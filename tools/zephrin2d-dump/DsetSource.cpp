@@ -6,8 +6,25 @@
 
 #include <json/json.h>
 
+#include <stdexcept>
+
 namespace DsetSource {
 namespace {
+
+/// Records that reach outside the dataset: the dump stops with this message.
+struct tOutside : std::runtime_error
+{
+    explicit tOutside(const std::string& what) : std::runtime_error(what) {}
+};
+
+/// The array of count records at pointer; none may be missing from a dump.
+template <class T> const T* records(const CDsetReader& r, uint32_t pointer, uint32_t count, const char* what)
+{
+    const T* list = r.array<T>(pointer, count);
+    if (!list && count != 0)
+        throw tOutside("its " + std::to_string(count) + " " + what + " reach outside the dataset");
+    return list;
+}
 
 // Every 16.16 value is a multiple of 1/65536: exact as a double.
 double fixed(int32_t raw) { return raw / 65536.0; }
@@ -40,7 +57,7 @@ Json::Value actor(const CDsetReader& r, const tDsetActor& a)
     putElement(root, a.element);
     root["Animation"] = Json::Value(Json::arrayValue);
     unsigned int billboards = 0, pieces = 0;
-    const tDsetSpriteCel* cels = r.array<tDsetSpriteCel>(a.cels, a.celCount);
+    const tDsetSpriteCel* cels = records<tDsetSpriteCel>(r, a.cels, a.celCount, "cels");
     for (uint32_t i = 0; cels && i < a.celCount; ++i) {
         const tDsetSpriteCel& c = cels[i];
         Json::Value cel(Json::objectValue);
@@ -48,7 +65,7 @@ Json::Value actor(const CDsetReader& r, const tDsetActor& a)
             cel["Label"] = text(r, c.label);
         cel["ID"] = c.id;
         cel["Duration"] = c.duration;
-        const tDsetOperation* ops = r.array<tDsetOperation>(c.operations, c.operationCount);
+        const tDsetOperation* ops = records<tDsetOperation>(r, c.operations, c.operationCount, "operations");
         for (uint32_t k = 0; ops && k < c.operationCount; ++k) {
             Json::Value op(Json::objectValue);
             op["Opcode"] = ops[k].opcode;
@@ -61,7 +78,7 @@ Json::Value actor(const CDsetReader& r, const tDsetActor& a)
             cel["Operations"].append(op);
         }
         Json::Value& children = cel["Children"] = Json::Value(Json::arrayValue);
-        const tDsetBillboard* b = r.array<tDsetBillboard>(c.billboards, c.billboardCount);
+        const tDsetBillboard* b = records<tDsetBillboard>(r, c.billboards, c.billboardCount, "billboards");
         for (uint32_t k = 0; b && k < c.billboardCount; ++k) {
             Json::Value child(Json::objectValue);
             child["ElementType"] = 0;
@@ -74,7 +91,7 @@ Json::Value actor(const CDsetReader& r, const tDsetActor& a)
                 child["URL"] = text(r, b[k].url);
             children.append(child);
         }
-        const tDsetAvatarPiece* p = r.array<tDsetAvatarPiece>(c.avatarPieces, c.avatarPieceCount);
+        const tDsetAvatarPiece* p = records<tDsetAvatarPiece>(r, c.avatarPieces, c.avatarPieceCount, "avatar pieces");
         for (uint32_t k = 0; p && k < c.avatarPieceCount; ++k) {
             Json::Value child(Json::objectValue);
             child["ElementType"] = 4;
@@ -99,19 +116,19 @@ Json::Value costume(const CDsetReader& r, const tDsetCostume& c)
     Json::Value root(Json::objectValue);
     root["LODList"] = Json::Value(Json::arrayValue);
     root["AudioList"] = Json::Value(Json::arrayValue);
-    const tDsetCostumeLOD* lods = r.array<tDsetCostumeLOD>(c.lods, c.lodCount);
+    const tDsetCostumeLOD* lods = records<tDsetCostumeLOD>(r, c.lods, c.lodCount, "LODs");
     for (uint32_t i = 0; lods && i < c.lodCount; ++i) {
         Json::Value lod(Json::objectValue);
         lod["Size"] = lods[i].size;
         lod["TextureURI"] = text(r, lods[i].textureURI);
         lod["ComponentList"] = Json::Value(Json::arrayValue);
-        const tDsetCostumeComponent* comps = r.array<tDsetCostumeComponent>(lods[i].components, lods[i].componentCount);
+        const tDsetCostumeComponent* comps = records<tDsetCostumeComponent>(r, lods[i].components, lods[i].componentCount, "components");
         for (uint32_t k = 0; comps && k < lods[i].componentCount; ++k) {
             Json::Value comp(Json::objectValue);
             comp["Name"] = text(r, comps[k].name);
             comp["Variations"] = Json::Value(Json::arrayValue);
             const tDsetCostumeVariation* vars =
-                r.array<tDsetCostumeVariation>(comps[k].variations, comps[k].variationCount);
+                records<tDsetCostumeVariation>(r, comps[k].variations, comps[k].variationCount, "variations");
             for (uint32_t n = 0; vars && n < comps[k].variationCount; ++n) {
                 const tDsetCostumeVariation& v = vars[n];
                 Json::Value var(Json::objectValue);
@@ -128,7 +145,7 @@ Json::Value costume(const CDsetReader& r, const tDsetCostume& c)
         }
         root["LODList"].append(lod);
     }
-    const tDsetCostumeAudio* audio = r.array<tDsetCostumeAudio>(c.audio, c.audioCount);
+    const tDsetCostumeAudio* audio = records<tDsetCostumeAudio>(r, c.audio, c.audioCount, "audio clips");
     for (uint32_t i = 0; audio && i < c.audioCount; ++i) {
         Json::Value a(Json::objectValue);
         a["Name"] = text(r, audio[i].name);
@@ -139,6 +156,8 @@ Json::Value costume(const CDsetReader& r, const tDsetCostume& c)
 }
 
 } // namespace
+
+static tKind walk(const CDsetReader& reader, const void* data, Json::Value& root);
 
 tKind read(const std::string& path, std::string& json, std::string& error)
 {
@@ -152,19 +171,11 @@ tKind read(const std::string& path, std::string& json, std::string& error)
     const CDsetReader reader(dataset);
     Json::Value root;
     tKind kind = KIND_NONE;
-    if (const tDsetActor* a = reader.record<tDsetActor>(dataset->data)) {
-        if (a->magic == DSET_ACTOR_MAGIC) {
-            root = actor(reader, *a);
-            kind = KIND_ACTOR;
-        }
-    }
-    if (kind == KIND_NONE) {
-        if (const tDsetCostume* c = reader.record<tDsetCostume>(dataset->data)) {
-            if (c->magic == DSET_COSTUME_MAGIC) {
-                root = costume(reader, *c);
-                kind = KIND_COSTUME;
-            }
-        }
+    try {
+        kind = walk(reader, dataset->data, root);
+    } catch (const tOutside& e) {
+        error = e.what();
+        return KIND_NONE;
     }
     if (kind == KIND_NONE) {
         error = "neither an actor nor a costume dataset";
@@ -173,6 +184,26 @@ tKind read(const std::string& path, std::string& json, std::string& error)
     Json::StreamWriterBuilder writer;
     writer["precision"] = 17;
     json = Json::writeString(writer, root);
+    return kind;
+}
+
+static tKind walk(const CDsetReader& reader, const void* data, Json::Value& root)
+{
+    tKind kind = KIND_NONE;
+    if (const tDsetActor* a = reader.record<tDsetActor>(data)) {
+        if (a->magic == DSET_ACTOR_MAGIC) {
+            root = actor(reader, *a);
+            kind = KIND_ACTOR;
+        }
+    }
+    if (kind == KIND_NONE) {
+        if (const tDsetCostume* c = reader.record<tDsetCostume>(data)) {
+            if (c->magic == DSET_COSTUME_MAGIC) {
+                root = costume(reader, *c);
+                kind = KIND_COSTUME;
+            }
+        }
+    }
     return kind;
 }
 
