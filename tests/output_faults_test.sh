@@ -2,8 +2,8 @@
 # Outputs as one set under faults: a full file system, an immutable or folder
 # target, a run killed or failing between two renames, two runs into one
 # folder. After each, the folder holds the old set or the new one, whole.
-#   output_faults_test.sh PACK DSET PNG_DIR EXAMPLES_DIR WORK_DIR
-PACK=$1 DSET=$2 PNG=$3 EX=$4 W=$5
+#   output_faults_test.sh PACK DSET IMPORT PNG_DIR EXAMPLES_DIR IMPORT_DATA_DIR WORK_DIR
+PACK=$1 DSET=$2 IMPORT=$3 PNG=$4 EX=$5 IMP=$6 W=$7
 fail() { echo "FAIL: $*"; exit 1; }
 rm -rf "$W" && mkdir -p "$W/a" "$W/b" "$W/ref/a" "$W/ref/b" || exit 1
 cp "$PNG/rgba.png" "$PNG/pal4.png" "$W/a/"; cp "$PNG/rgb_12x5.png" "$PNG/pal8.png" "$PNG/grey.png" "$W/b/"
@@ -68,4 +68,9 @@ done
 mkdir "$W/c" && echo '{}' >"$W/c/s.json"
 "$PACK" "$W/a" -o "$W/c/s" --reg "$W/c/s.json" >/dev/null 2>"$W/err" && fail "an input replaced"
 grep -q "s.json:1:1: error: is an input of this run" "$W/err" && [ "$(cat "$W/c/s.json")" = "{}" ] || fail "input: $(cat "$W/err")"
+mkdir "$W/knight" && sed 's|"image": *"[^"]*"|"image": "knight.png"|' "$IMP/hero-hash.json" >"$W/knight/knight.json"
+cp "$IMP/hero.png" "$W/knight/knight.png"; cp "$W/knight/knight.json" "$W/knight.json"
+(cd "$W/knight" && "$IMPORT" knight.json -o .) >/dev/null 2>"$W/err" && fail "import over its input"
+grep -q "knight.json:1:1: error: is an input of this run" "$W/err" && cmp -s "$W/knight/knight.json" "$W/knight.json" ||
+  fail "import over its input: $(cat "$W/err")"
 echo "zephrin2d output sets: all checks passed"

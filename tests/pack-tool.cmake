@@ -13,5 +13,6 @@ set_tests_properties(dataset-tools-images-and-dump PROPERTIES LABELS tools)
 # Tool outputs under faults: old set or new, never a mix.
 add_test(NAME output-sets-under-faults
   COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/output_faults_test.sh $<TARGET_FILE:zephrin2d-pack> $<TARGET_FILE:zephrin2d-dset>
-    ${CMAKE_CURRENT_SOURCE_DIR}/data/png ${PROJECT_SOURCE_DIR}/examples ${CMAKE_CURRENT_BINARY_DIR}/output-faults)
+    $<TARGET_FILE:zephrin2d-import> ${CMAKE_CURRENT_SOURCE_DIR}/data/png ${PROJECT_SOURCE_DIR}/examples
+    ${CMAKE_CURRENT_SOURCE_DIR}/data/import ${CMAKE_CURRENT_BINARY_DIR}/output-faults)
 set_tests_properties(output-sets-under-faults PROPERTIES LABELS tools)

@@ -3,11 +3,8 @@
 // entries, which must stay flat after the warm-up; GL must never report an
 // error.
 //
-//   zephrin2d-soak [--frames N] [--every N] [--warmup N] [--heap-slack-kib N]
-//                  [--resident-slack-kib N]
-//                  [--size WxH] [--csv FILE] [--check] [--examples DIR]
-//
-// --check makes the exit status say whether everything stayed flat.
+// zephrin2d-soak --help lists the options.
+#include "CommandLine.h"
 #include "SoakSampler.h"
 #include "SoakScene.h"
 
@@ -24,11 +21,11 @@ namespace {
 
 struct tOptions
 {
-    long frames = 100000;
-    long every = 0;   // 0: about 200 samples
-    long warmup = -1; // -1: a tenth of the run, at least 1000 frames
-    long heapSlackKiB = 1024;
-    long residentSlackKiB = 8 * 1024;
+    int frames = 100000;
+    int every = 0;   // 0: about 200 samples
+    int warmup = -1; // -1: a tenth of the run, at least 1000 frames
+    int heapSlackKiB = 1024;
+    int residentSlackKiB = 8 * 1024;
     int width = 32;
     int height = 32;
     std::string csv;
@@ -36,56 +33,48 @@ struct tOptions
     std::string examples = Z2D_EXAMPLES_DIR;
 };
 
-[[noreturn]] void usage()
-{
-    fprintf(stderr, "usage: zephrin2d-soak [--frames N] [--every N] [--warmup N] [--heap-slack-kib N]\n"
-                    "                      [--resident-slack-kib N] [--size WxH] [--csv FILE] [--check]\n"
-                    "                      [--examples DIR]\n");
-    exit(2);
-}
+const char* const kAbout =
+    "Plays the soak scene headless for many frames at a small surface and samples\n"
+    "resident memory, draw-list entries and texture-cache entries, which must stay\n"
+    "flat after the warm-up; GL must never report an error.\n";
 
-tOptions parse(int argc, char** argv)
+bool parse(int argc, char** argv, tOptions& o, int& status)
 {
-    tOptions o;
-    for (int i = 1; i < argc; ++i) {
-        const std::string a = argv[i];
-        const bool hasValue = i + 1 < argc;
-        if (a == "--check")
-            o.check = true;
-        else if (a == "--frames" && hasValue)
-            o.frames = atol(argv[++i]);
-        else if (a == "--every" && hasValue)
-            o.every = atol(argv[++i]);
-        else if (a == "--warmup" && hasValue)
-            o.warmup = atol(argv[++i]);
-        else if (a == "--heap-slack-kib" && hasValue)
-            o.heapSlackKiB = atol(argv[++i]);
-        else if (a == "--resident-slack-kib" && hasValue)
-            o.residentSlackKiB = atol(argv[++i]);
-        else if (a == "--csv" && hasValue)
-            o.csv = argv[++i];
-        else if (a == "--examples" && hasValue)
-            o.examples = argv[++i];
-        else if (a == "--size" && hasValue) {
-            if (sscanf(argv[++i], "%dx%d", &o.width, &o.height) != 2 || o.width <= 0 || o.height <= 0)
-                usage();
-        } else
-            usage();
-    }
-    if (o.frames <= 0)
-        usage();
+    CommandLine line("zephrin2d-soak", "", kAbout);
+    line.number("--frames", "N", "frames to play (default 100000)", 1, 1 << 30, o.frames);
+    line.number("--every", "N", "frames between samples (default: about 200 samples)", 1, 1 << 30, o.every);
+    line.number("--warmup", "N", "frames before memory must stay flat (default: a tenth,\nat least 1000)", 0,
+                1 << 30, o.warmup);
+    line.number("--heap-slack-kib", "N", "heap growth allowed after the warm-up (1024)", 0, 1 << 30, o.heapSlackKiB);
+    line.number("--resident-slack-kib", "N", "resident growth allowed after the warm-up (8192)", 0, 1 << 30,
+                o.residentSlackKiB);
+    line.add({"--size", "", "WxH", "surface size (default 32x32)", [&o](const std::string& v) {
+                  char tail = 0;
+                  return std::sscanf(v.c_str(), "%dx%d%c", &o.width, &o.height, &tail) == 2 && o.width > 0 &&
+                                 o.height > 0 && o.width <= 4096 && o.height <= 4096
+                             ? std::string()
+                             : "--size needs WxH, each side 1 to 4096, got '" + v + "'";
+              }});
+    line.text("--csv", "FILE", "write the samples to FILE", o.csv);
+    line.flag("--check", "the exit status says whether everything stayed flat", o.check);
+    line.text("--examples", "DIR", "the example content (default: the source tree's)", o.examples);
+    if (!line.parse(argc, argv, status))
+        return false;
     if (o.every <= 0)
         o.every = o.frames / 200 > 0 ? o.frames / 200 : 1;
     if (o.warmup < 0)
         o.warmup = o.frames / 10 > 1000 ? o.frames / 10 : 1000;
-    return o;
+    return true;
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    const tOptions o = parse(argc, argv);
+    tOptions o;
+    int status = 0;
+    if (!parse(argc, argv, o, status))
+        return status;
     // Mesa's multi-threaded rasterizer keeps a pool of frames in flight whose
     // size follows the machine's load, which moves the driver's memory in
     // steps of tens of MiB; drawing on this thread makes it repeatable, so
@@ -119,12 +108,12 @@ int main(int argc, char** argv)
     const auto& s = sampler.samples();
     if (!s.empty())
         printf("%ld frames: resident %ld -> %ld KiB, heap %ld -> %ld KiB, %ld lists, %ld draw entries, %ld textures, %ld GL errors\n",
-               o.frames, s.front().residentKiB, s.back().residentKiB, s.front().heapKiB, s.back().heapKiB, s.back().drawLists, s.back().drawEntries,
+               static_cast<long>(o.frames), s.front().residentKiB, s.back().residentKiB, s.front().heapKiB, s.back().heapKiB, s.back().drawLists, s.back().drawEntries,
                s.back().textureEntries, glErrors);
     const std::vector<std::string> problems = sampler.check(o.heapSlackKiB, o.residentSlackKiB);
     for (const std::string& p : problems)
         fprintf(stderr, "zephrin2d-soak: not flat: %s\n", p.c_str());
     if (problems.empty())
-        printf("flat after frame %ld\n", o.warmup);
+        printf("flat after frame %d\n", o.warmup);
     return o.check && !problems.empty() ? 1 : 0;
 }
