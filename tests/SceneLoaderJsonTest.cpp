@@ -135,4 +135,32 @@ TEST_F(SceneLoaderJsonTest, ActorCelLabelIsCheckedBeforeTheCel)
     }
 }
 
+TEST_F(SceneLoaderJsonTest, NamesFindTheirElements)
+{
+    const CSceneLoaderJson::tElementList e = load(R"([
+      {"ElementType": 0, "ID": 0, "URL": "tree_pal8.png", "Name": "tree"},
+      {"ElementType": 1, "ID": 0, "Name": "group", "Children": [
+        {"ElementType": 0, "ID": 1, "URL": "ball_pal4.png", "Name": "ball"}]},
+      {"ElementType": 0, "ID": 0, "Name": "not read: a reference"},
+      {"ElementType": 3, "ID": 0, "Name": "walker", "Animation": [{"ID": 0, "Duration": 9, "Name": "first cel"}]},
+      {"ElementType": 3, "ID": 0, "Name": "second walker", "Position": [5.0, 0.0]}
+    ])");
+    ASSERT_EQ(e.size(), 5u);
+    const struct { const char* name; boost::shared_ptr<CGraphicElement> want; } cases[] = {
+        {"tree", e[0]}, {"group", e[1]}, {"walker", e[3]}, {"second walker", e[4]},
+        {"not read: a reference", boost::shared_ptr<CGraphicElement>()}, {"nobody", boost::shared_ptr<CGraphicElement>()},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(loader.find(c.name), c.want) << c.name;
+    EXPECT_TRUE(boost::dynamic_pointer_cast<CBillboard>(loader.find("ball")));
+    EXPECT_TRUE(boost::dynamic_pointer_cast<CSpriteCel>(loader.find("first cel")));
+
+    const std::string actorFile = scratchDir("scene-json") + "/named-actor.json";
+    writeFile(actorFile, R"({"Name": "hero", "Animation": [{"ID": 0, "Duration": 9}]})");
+    CActor2D hero(actorFile, 0, 0);
+    EXPECT_EQ(hero.getName(), "hero");
+    EXPECT_EQ(CActor2D(hero).getName(), "hero");
+    EXPECT_EQ(CActor2D().getName(), "");
+}
+
 } // namespace

@@ -1,4 +1,5 @@
 #include "CActor2D.h"
+#include "CLoadReport.h"
 
 #include "CDrawChunk.h"
 #include "CDrawManager.h"
@@ -42,6 +43,7 @@ CActor2D::CActor2D(const CActor2D& other)
 {
     mLastAppendedAnimation = repoint(other, other.mLastAppendedAnimation);
     mCurrentAnimationIterator = repoint(other, other.mCurrentAnimationIterator);
+    setName(other.getName());
 }
 
 CActor2D& CActor2D::operator=(const CActor2D& other)
@@ -60,7 +62,37 @@ CActor2D& CActor2D::operator=(const CActor2D& other)
     return *this;
 }
 
-CActor2D::~CActor2D() {}
+namespace {
+
+// Names of actors loaded from named actor files, beside the actors so that
+// an unnamed actor costs nothing.
+std::map<const CActor2D*, Glib::ustring>& actorNames()
+{
+    static std::map<const CActor2D*, Glib::ustring> names;
+    return names;
+}
+
+} // namespace
+
+CActor2D::~CActor2D()
+{
+    if (!actorNames().empty())
+        actorNames().erase(this);
+}
+
+Glib::ustring CActor2D::getName() const
+{
+    const std::map<const CActor2D*, Glib::ustring>::const_iterator it = actorNames().find(this);
+    return it == actorNames().end() ? Glib::ustring() : it->second;
+}
+
+void CActor2D::setName(const Glib::ustring& name)
+{
+    if (name.empty())
+        actorNames().erase(this);
+    else
+        actorNames()[this] = name;
+}
 
 CActor2D::tAnimationMap::iterator CActor2D::repoint(const CActor2D& other, tAnimationMap::const_iterator it)
 {
@@ -565,6 +597,7 @@ CActor2D::CActor2D(Glib::ustring path, AvatarCostume* costume, CTextureSheet* sh
 
 bool CActor2D::loadFile(Glib::ustring path, AvatarCostume* costume, CTextureSheet* sheet)
 {
+    const CLoadReport::tScope scope(path, true);
     const std::string p = path.raw();
     const size_t n = strlen(CSceneLoaderDset::dsetExtension);
     if (p.size() > n && p.compare(p.size() - n, n, CSceneLoaderDset::dsetExtension) == 0)
@@ -574,6 +607,7 @@ bool CActor2D::loadFile(Glib::ustring path, AvatarCostume* costume, CTextureShee
 
 bool CActor2D::loadJson(Glib::ustring path, AvatarCostume* costume, CTextureSheet* sheet)
 {
+    const CLoadReport::tScope scope(path, true);
     QJN::CJSonFile file(path, 0);
     file.Load();
     const QJN::Value& root = file.getRoot();
@@ -593,6 +627,9 @@ bool CActor2D::loadJson(Glib::ustring path, AvatarCostume* costume, CTextureShee
     loader.setCostume(costume);
     loader.setTextureSheet(sheet);
     loader.setDefaultPath(directoryOf(path));
+    loader.reportUnknownKeys(root, 3);
+    if (root["Name"].isString())
+        setName(root["Name"].asString());
     loader.parseGraphicElementPortion(root, this);
     loader.parseAnimation(root["Animation"], this);
     return true;
@@ -600,6 +637,7 @@ bool CActor2D::loadJson(Glib::ustring path, AvatarCostume* costume, CTextureShee
 
 bool CActor2D::loadDset(Glib::ustring path, AvatarCostume* costume, CTextureSheet* sheet)
 {
+    const CLoadReport::tScope scope(path, true);
     CSceneLoaderDset loader;
     loader.setCostume(costume);
     loader.setTextureSheet(sheet);

@@ -103,6 +103,11 @@ public:
     /// Always (10, 10).
     virtual tVect2 getWidthHeight();
 
+    /// The "Name" of the actor file it was loaded from (empty when none);
+    /// a copy takes it too. Kept beside the actor, not in it.
+    Glib::ustring getName() const;
+    void setName(const Glib::ustring& name);
+
     /// Starts a new animation at the next cel offset. Labels must be unique.
     void appendAnimationStart(Glib::ustring const& label);
     /// Appends a cel to the last animation.

@@ -1,4 +1,5 @@
 #include "CAvatarCostume.h"
+#include "CLoadReport.h"
 
 #include "Avatar2DPiece.h"
 
@@ -128,9 +129,12 @@ tAvatarLOD* AvatarCostume::addLOD(int size, const Glib::ustring& textureURI, con
 void AvatarCostume::addFromJson(const Glib::ustring& path, int* lods, int count)
 {
     debug().DebugOut(3, "creating Avatar from JSON file [%s]...\n", path.c_str());
+    const CLoadReport::tScope scope(path, true);
     QJN::CJSonFile file(path, 0);
     file.Load();
     const QJN::Value& root = file.getRoot();
+    if (!root["LODList"].isArray())
+        CLoadReport::add(tLoadProblem::BAD_CONTENT, Glib::ustring(), "not a costume: no \"LODList\" array");
 
     const QJN::Value audio = root["AudioList"];
     for (unsigned int i = 0; i < audio.size(); ++i)
@@ -202,6 +206,7 @@ void AvatarCostume::addFromJson(const Glib::ustring& path, int* lods, int count)
 void AvatarCostume::addFromDset(const Glib::ustring& path)
 {
     debug().DebugOut(3, "creating Avatar from dataset file [%s]...\n", path.c_str());
+    const CLoadReport::tScope scope(path, true);
     const std::string p = path.raw();
     const size_t at = p.rfind(kDsetExtension);
     boost::shared_ptr<CDataset> dataset;

@@ -1,4 +1,5 @@
 #include "CSceneLoaderDset.h"
+#include "CLoadReport.h"
 
 #include "Avatar2DPiece.h"
 #include "CBillboard.h"
@@ -48,6 +49,7 @@ void CSceneLoaderDset::setDefaultPath(Glib::ustring path) { mDefaultPath = path;
 
 boost::shared_ptr<CDataset> CSceneLoaderDset::LoadDset(Glib::ustring path, void*& data)
 {
+    const CLoadReport::tScope scope(path, true);
     data = 0;
     const std::string p = path.raw();
     const std::string::size_type at = p.rfind(dsetExtension);

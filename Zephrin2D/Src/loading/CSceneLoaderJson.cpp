@@ -5,6 +5,7 @@
 #include "CBillboard.h"
 #include "CSprite.h"
 #include "CSpriteCel.h"
+#include "CLoadReport.h"
 #include "tDefinitionTable.h"
 
 #include <BaseUtils.h>
@@ -34,7 +35,63 @@ bool earlierDefinition(const QJN::Value& value, std::vector<boost::shared_ptr<T>
     return earlierDefinition(static_cast<unsigned int>(value["ID"].asInt()), table, found, debug(), wrongMessage);
 }
 
+// The keys each kind reads besides the common ones; 3 is also an actor file.
+const char* const* keysOf(int elementType)
+{
+    static const char* const kBillboard[] = {"URL", 0};
+    static const char* const kSprite[] = {"Children", 0};
+    static const char* const kCel[] = {"Children", "Duration", "Operations", "Label", 0};
+    static const char* const kActor[] = {"Animation", 0};
+    static const char* const kPiece[] = {"Component", "Variation", 0};
+    static const char* const kNone[] = {0};
+    switch (elementType) {
+    case 0: return kBillboard;
+    case 1: return kSprite;
+    case 2: return kCel;
+    case 3: return kActor;
+    case 4:
+    case 5: return kPiece;
+    default: return kNone;
+    }
+}
+
+const char* kindName(int elementType)
+{
+    static const char* const kNames[] = {"a billboard", "a sprite", "a sprite cel", "an actor", "an avatar piece",
+                                         "an avatar piece"};
+    return elementType >= 0 && elementType <= 5 ? kNames[elementType] : "an element";
+}
+
 } // namespace
+
+void CSceneLoaderJson::reportUnknownKeys(const QJN::Value& value, int elementType)
+{
+    static const char* const kCommon[] = {"ElementType", "ID", "Position", "Rotation", "Scale", "Reg", "Color", "Name", 0};
+    const std::vector<std::string> names = value.getMemberNames();
+    for (size_t i = 0; i < names.size(); ++i) {
+        bool known = false;
+        for (const char* const* k = kCommon; *k && !known; ++k)
+            known = names[i] == *k;
+        for (const char* const* k = keysOf(elementType); *k && !known; ++k)
+            known = names[i] == *k;
+        if (!known)
+            CLoadReport::add(tLoadProblem::BAD_CONTENT, Glib::ustring(),
+                             "unknown key \"" + names[i] + "\" in " + kindName(elementType) + ": it is not read");
+    }
+}
+
+void CSceneLoaderJson::remember(const QJN::Value& value, const boost::shared_ptr<CGraphicElement>& element)
+{
+    const QJN::Value name = value["Name"];
+    if (name.isString() && element)
+        mNames[Glib::ustring(name.asString()).collate_key()] = element;
+}
+
+boost::shared_ptr<CGraphicElement> CSceneLoaderJson::find(const Glib::ustring& name) const
+{
+    const std::map<std::string, boost::shared_ptr<CGraphicElement> >::const_iterator it = mNames.find(name.collate_key());
+    return it == mNames.end() ? boost::shared_ptr<CGraphicElement>() : it->second;
+}
 
 CSceneLoaderJson::CSceneLoaderJson() : mCostume(0), mTextureSheet(0) {}
 
@@ -47,6 +104,7 @@ void CSceneLoaderJson::setDefaultPath(Glib::ustring path) { mDefaultPath = path;
 CSceneLoaderJson::tElementList CSceneLoaderJson::parseJsonFile(const char* path)
 {
     debug().DebugOut(3, "CSceneLoaderJson::parseJsonValue Opening file %s\n", path ? path : "");
+    const CLoadReport::tScope scope(path ? path : "", true);
     tElementList result;
     QJN::CJSonFile file(Glib::ustring(path ? path : ""), 0);
     file.Load();
@@ -65,6 +123,7 @@ CSceneLoaderJson::tElementList CSceneLoaderJson::parseJsonFile(const char* path)
             boost::shared_ptr<CActor2D> copy(new CActor2D(*mActors[id]));
             mActorList.push_back(copy);
             parseGraphicElementPortion(entry, copy.get());
+            remember(entry, copy);
         } else {
             mActorList.push_back(parseActor2D(entry));
         }
@@ -92,7 +151,11 @@ boost::shared_ptr<CGraphicElement> CSceneLoaderJson::parseJsonValue(const QJN::V
         return parseActor2D(value);
     case 4:
     case 5: return parseAvatarPiece(value);
-    default: return boost::shared_ptr<CGraphicElement>();
+    default:
+        CLoadReport::add(tLoadProblem::BAD_CONTENT, Glib::ustring(),
+                         Glib::ustring::compose("unknown \"ElementType\" %1: the entry loads as nothing",
+                                                value["ElementType"].asInt()));
+        return boost::shared_ptr<CGraphicElement>();
     }
 }
 
@@ -179,12 +242,23 @@ boost::shared_ptr<CBillboard> CSceneLoaderJson::parseBillboard(const QJN::Value&
         return billboard;
     billboard.reset(new CBillboard());
     mBillboards.push_back(billboard);
+    reportUnknownKeys(value, 0);
+    remember(value, billboard);
     parseGraphicElementPortion(value, billboard.get());
     CHECK(value.isMember("URL"), "CSceneLoaderJson::parseBillboard no URL");
     CHECK(value["URL"].isString(), "CSceneLoaderJson::parseBillboard URL is not a string");
     const Glib::ustring url = value["URL"].asString();
-    if (!mTextureSheet || !billboard->loadTexture(url, mTextureSheet))
+    const uint64_t before = CLoadReport::mark();
+    if (!mTextureSheet || !billboard->loadTexture(url, mTextureSheet)) {
         billboard->loadTexture(mDefaultPath + url, 0);
+        // A name the sheet lacks is no problem when it is a file.
+        std::vector<tLoadProblem> since = CLoadReport::since(before);
+        bool found = true;
+        for (size_t i = 0; i < since.size(); ++i)
+            found = found && since[i].reason != tLoadProblem::NOT_FOUND;
+        if (found)
+            CLoadReport::forget(before, tLoadProblem::PICTURE_MISSING);
+    }
     billboard->setVisibility(true);
     return billboard;
 }
@@ -198,6 +272,8 @@ boost::shared_ptr<CSprite> CSceneLoaderJson::parseSprite(const QJN::Value& value
         return sprite;
     sprite.reset(new CSprite());
     mSprites.push_back(sprite);
+    reportUnknownKeys(value, 1);
+    remember(value, sprite);
     parseSpritePortion(value, sprite.get());
     return sprite;
 }
@@ -211,6 +287,8 @@ boost::shared_ptr<CSpriteCel> CSceneLoaderJson::parseSpriteCel(const QJN::Value&
         return cel;
     cel.reset(new CSpriteCel());
     mSpriteCels.push_back(cel);
+    reportUnknownKeys(value, 2);
+    remember(value, cel);
     parseSpritePortion(value, cel.get());
 
     CHECK(value.isMember("Duration"), "CSceneLoaderJson::parseSpriteCel no member Duration");
@@ -288,6 +366,8 @@ boost::shared_ptr<CActor2D> CSceneLoaderJson::parseActor2D(const QJN::Value& val
         return actor;
     actor.reset(new CActor2D());
     mActors.push_back(actor);
+    reportUnknownKeys(value, 3);
+    remember(value, actor);
     parseGraphicElementPortion(value, actor.get());
     CHECK(value.isMember("Animation"), "CSceneLoaderJson::parseActor2D no member Animation");
     CHECK(value["Animation"].isArray(), "CSceneLoaderJson::parseActor2D Animation is not array");
@@ -307,6 +387,8 @@ boost::shared_ptr<Avatar2DPiece> CSceneLoaderJson::parseAvatarPiece(const QJN::V
         return piece;
     piece.reset(new Avatar2DPiece());
     mAvatarPieces.push_back(piece);
+    reportUnknownKeys(value, 4);
+    remember(value, piece);
     parseGraphicElementPortion(value, piece.get());
     CHECK(value.isMember("Component"), "CSceneLoaderJson::parseAvatarPiece no Component.");
     CHECK(value.isMember("Variation"), "CSceneLoaderJson::parseAvatarPiece no Variation.");

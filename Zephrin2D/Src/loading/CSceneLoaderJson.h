@@ -3,6 +3,7 @@
 
 #include <boost/shared_ptr.hpp>
 #include <glibmm/ustring.h>
+#include <map>
 #include <vector>
 
 namespace QJN { class Value; }
@@ -56,6 +57,16 @@ public:
 
     const std::vector<boost::shared_ptr<CActor2D> >& getActors() const { return mActorList; }
 
+    /// The element an object's "Name" names (the last of that name wins), or
+    /// an empty reference. Names live here, not in the elements: an unnamed
+    /// element costs nothing more. A reference to an earlier definition
+    /// ("ID" below the count) reads no "Name", except at the top level of a
+    /// file, where an actor placement is a copy of its own.
+    boost::shared_ptr<CGraphicElement> find(const Glib::ustring& name) const;
+    /// Puts each key that the kind (an "ElementType"; 3 also an actor file)
+    /// does not read in the load report (CLoadReport).
+    void reportUnknownKeys(const QJN::Value& value, int elementType);
+
 private:
     CSceneLoaderJson(const CSceneLoaderJson&);
     CSceneLoaderJson& operator=(const CSceneLoaderJson&);
@@ -69,6 +80,9 @@ private:
     std::vector<boost::shared_ptr<CSpriteCel> > mSpriteCels;
     std::vector<boost::shared_ptr<CActor2D> > mActors;
     std::vector<boost::shared_ptr<Avatar2DPiece> > mAvatarPieces;
+    std::map<std::string, boost::shared_ptr<CGraphicElement> > mNames;
+
+    void remember(const QJN::Value& value, const boost::shared_ptr<CGraphicElement>& element);
 };
 
 #endif

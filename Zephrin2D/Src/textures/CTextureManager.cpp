@@ -1,4 +1,5 @@
 #include "CTextureManager.h"
+#include "CLoadReport.h"
 
 #include "CTexturePNG.h"
 
@@ -36,6 +37,7 @@ boost::shared_ptr<CTexture> CTextureManager::load(const Glib::ustring& path, boo
     boost::shared_ptr<CTexture> texture = get(path);
     if (texture)
         return texture;
+    const CLoadReport::tScope asked(path, false);
     texture.reset(new CTexturePNG(path, createGLTexture, keepRAMImage, expandIndices));
     if (!texture->inRAM && texture->glTextureId == 0)
         return boost::shared_ptr<CTexture>();

@@ -1,4 +1,5 @@
 #include "CTextureSheet.h"
+#include "CLoadReport.h"
 
 #include "CTexture.h"
 #include "CTextureManager.h"
@@ -33,9 +34,12 @@ CTextureSheet::~CTextureSheet() {}
 void CTextureSheet::addFromJson(const Glib::ustring& path)
 {
     debug().DebugOut(3, "Adding file to textureMap: [%s]...\n", path.c_str());
+    const CLoadReport::tScope scope(path, true);
     QJN::CJSonFile file(path);
     file.Load();
     const QJN::Value bitmaps = file.getRoot()["ImageData"];
+    if (!bitmaps.isArray())
+        CLoadReport::add(tLoadProblem::BAD_CONTENT, Glib::ustring(), "not a texture sheet: no \"ImageData\" array");
     debug().DebugOut(3, "loading Bitmaps... (%d total)\n", static_cast<int>(bitmaps.size()));
 
     for (unsigned int b = 0; b < bitmaps.size(); ++b) {
