@@ -42,6 +42,7 @@
 #include "CSceneLoaderJson.h"
 #include "CSceneLoaderDset.h"
 #include "DsetDump.h"
+#include "CLoadReport.h"
 
 #include "CAvatarCostume.h"
 #include "Avatar2DPiece.h"

@@ -1,6 +1,7 @@
 // Step 7: the earlier steps make a small game scene. The hero walks along
 // and collects the coins: each coin hides, the score goes up and sparkles
 // burst where it was. At the end the hero waves. One frame a second is saved.
+// Whatever did not load as asked is printed once everything is loaded.
 #include <Zephrin2D.h>
 #include <VellOpenGLConfig.h>
 
@@ -13,6 +14,7 @@ int main()
 {
     CGraphics2D::Instance()->init(tVect2{320_x, 240_x}, tColor{0, 0, 0, 255}, 0, 0);
     {
+        const uint64_t start = CLoadReport::mark();
         CDrawManager* drawing = CDrawManager::Instance();
         CTextureSheet sheet("art/sheet.json");
         boost::shared_ptr<CBillboard> backdrop = boost::make_shared<CBillboard>("art/backdrop.png", true);
@@ -36,6 +38,9 @@ int main()
         boost::shared_ptr<CGraphicPoints> sparkles = boost::make_shared<CGraphicPoints>(12, "art/sparkle.png");
         sparkles->setVisibility(false);
         drawing->add(sparkles);
+
+        for (const tLoadProblem& problem : CLoadReport::since(start))
+            std::fprintf(stderr, "%s\n", CLoadReport::describe(problem).c_str());
 
         int collected = 0, burstAge = 0;
         for (int frame = 1; frame <= 120; ++frame) {
