@@ -236,25 +236,15 @@ bool writeFile(const std::string& path, const std::string& text)
     return (fclose(f) == 0) && written;
 }
 
-} // namespace
-
-bool pack(const std::vector<tPicture>& pictures, const tOptions& options, tSheet& sheet,
-          std::vector<std::string>& errors)
+// The pictures by name, trimmed, as rectangles to pack; problems go to errors.
+void collectItems(const std::vector<tPicture>& pictures, const tOptions& options, std::vector<tItem>& items,
+                  std::vector<stbrp_rect>& rects, std::vector<std::string>& errors)
 {
-    sheet = tSheet();
-    const size_t errorsBefore = errors.size();
-    if (!isPowerOf2(options.maxSize) || options.maxSize > 2048 || options.padding < 0 || options.extrude < 0) {
-        errors.push_back(fileError(options.output, "page size must be a power of two up to 2048, padding and "
-                                                    "extrusion not negative"));
-        return false;
-    }
     std::vector<const tPicture*> sorted;
     for (const tPicture& p : pictures)
         sorted.push_back(&p);
     std::stable_sort(sorted.begin(), sorted.end(), [](const tPicture* a, const tPicture* b) { return a->name < b->name; });
 
-    std::vector<tItem> items;
-    std::vector<stbrp_rect> rects;
     for (size_t i = 0; i < sorted.size(); ++i) {
         const tPicture& p = *sorted[i];
         if (i > 0 && sorted[i - 1]->name == p.name) {
@@ -282,6 +272,41 @@ bool pack(const std::vector<tPicture>& pictures, const tOptions& options, tSheet
         items.push_back(item);
         rects.push_back(r);
     }
+}
+
+// Where a picture's kept part landed, and its registration point from the
+// untrimmed image's bottom-left corner, y down.
+tPlaced placedAt(const tItem& item, int x, int y, int page)
+{
+    const tPicture& p = *item.picture;
+    tPlaced pl;
+    pl.name = p.name;
+    pl.page = page;
+    pl.x1 = x; pl.y1 = y; pl.x2 = x + item.width; pl.y2 = y + item.height;
+    pl.regX = p.regX;
+    pl.regY = p.regY - p.image.height;
+    pl.crop[0] = -item.left;
+    pl.crop[1] = -item.top;
+    pl.crop[2] = p.image.width - item.left - item.width;
+    pl.crop[3] = p.image.height - item.top - item.height;
+    return pl;
+}
+
+} // namespace
+
+bool pack(const std::vector<tPicture>& pictures, const tOptions& options, tSheet& sheet,
+          std::vector<std::string>& errors)
+{
+    sheet = tSheet();
+    const size_t errorsBefore = errors.size();
+    if (!isPowerOf2(options.maxSize) || options.maxSize > 2048 || options.padding < 0 || options.extrude < 0) {
+        errors.push_back(fileError(options.output, "page size must be a power of two up to 2048, padding and "
+                                                    "extrusion not negative"));
+        return false;
+    }
+    std::vector<tItem> items;
+    std::vector<stbrp_rect> rects;
+    collectItems(pictures, options, items, rects, errors);
     if (errors.size() != errorsBefore)
         return false;
 
@@ -303,22 +328,9 @@ bool pack(const std::vector<tPicture>& pictures, const tOptions& options, tSheet
         out.image.rgba.assign(static_cast<size_t>(size.first) * size.second * 4, 0);
         std::vector<tPlaced> placed;
         for (const stbrp_rect& r : page) {
-            const tItem& item = items[r.id];
-            const tPicture& p = *item.picture;
             const int x = r.x + options.extrude, y = r.y + options.extrude;
-            copyPicture(out.image, item, x, y, options.extrude);
-            tPlaced pl;
-            pl.name = p.name;
-            pl.page = static_cast<int>(sheet.pages.size());
-            pl.x1 = x; pl.y1 = y; pl.x2 = x + item.width; pl.y2 = y + item.height;
-            // From the untrimmed image's bottom-left corner, y down.
-            pl.regX = p.regX;
-            pl.regY = p.regY - p.image.height;
-            pl.crop[0] = -item.left;
-            pl.crop[1] = -item.top;
-            pl.crop[2] = p.image.width - item.left - item.width;
-            pl.crop[3] = p.image.height - item.top - item.height;
-            placed.push_back(pl);
+            copyPicture(out.image, items[r.id], x, y, options.extrude);
+            placed.push_back(placedAt(items[r.id], x, y, static_cast<int>(sheet.pages.size())));
         }
         std::sort(placed.begin(), placed.end(), [](const tPlaced& a, const tPlaced& b) { return a.name < b.name; });
         sheet.pictures.insert(sheet.pictures.end(), placed.begin(), placed.end());

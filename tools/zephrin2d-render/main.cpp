@@ -212,6 +212,14 @@ std::unique_ptr<Demo> makeSource(const tOptions& options)
     return demo;
 }
 
+void printStats(int frame, long micros)
+{
+    const GLRecorder::tCounters c = GLRecorder::counters();
+    std::printf("{\"frame\":%d,\"drawCalls\":%lu,\"uploadBytes\":%lu,\"cpuMicros\":%ld}\n", frame, c.drawCalls,
+                c.uploadBytes, micros);
+    std::fflush(stdout);
+}
+
 int run(const tOptions& options, Demo& demo)
 {
     const bool toDirectory = !options.out.empty() && (options.out.back() == '/' || isDirectory(options.out));
@@ -250,12 +258,8 @@ int run(const tOptions& options, Demo& demo)
         const long micros = static_cast<long>(
             std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start).count());
         graphics->swapBuffer();
-        if (options.stats) {
-            const GLRecorder::tCounters c = GLRecorder::counters();
-            std::printf("{\"frame\":%d,\"drawCalls\":%lu,\"uploadBytes\":%lu,\"cpuMicros\":%ld}\n", i, c.drawCalls,
-                        c.uploadBytes, micros);
-            std::fflush(stdout);
-        }
+        if (options.stats)
+            printStats(i, micros);
         if (toDirectory && !writeFrame(outputs, framePath(options.out, i)))
             return 1;
         ImageIO::tImage frame;

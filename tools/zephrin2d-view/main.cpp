@@ -174,17 +174,42 @@ tKey nextEvent(Display* display, Atom deleteWindow)
     return KEY_NONE;
 }
 
-int view(const tOptions& o)
+/// The milliseconds the scene moves on: scripted runs step like the render tool, whatever the clock says.
+int stepOf(const tOptions& o, tKey key, bool paused, int frame, int elapsed)
+{
+    if (key == KEY_STEP && paused)
+        return 33;
+    return o.frames > 0 ? (frame > 0 ? 33 : 0) : paused ? 0 : elapsed;
+}
+
+void showTitle(Tadwick::Vell::VellOpenGLConfig& config, const std::string& name, double fps,
+               const GLRecorder::tCounters& counters, bool paused)
+{
+    char title[512];
+    std::snprintf(title, sizeof title, "%s  %.0f fps  %lu draw calls  %lu bytes uploaded%s", name.c_str(), fps,
+                  counters.drawCalls, counters.uploadBytes, paused ? "  (paused)" : "");
+    config.setWindowTitle(title);
+}
+
+Tadwick::Vell::VellOpenGLConfig* openWindow(const tOptions& o)
 {
     Tadwick::Vell::VellOpenGLConfig::SetWindowed(true);
     Tadwick::Vell::VellOpenGLConfig::SetSurfaceSize(o.width, o.height);
-    CGraphics2D* graphics = CGraphics2D::Instance();
-    graphics->init(tVect2{tFixed(o.width), tFixed(o.height)}, tColor{0, 0, 0, 255}, 0, 0);
-    Tadwick::Vell::VellOpenGLConfig* config = graphics->getConfig();
+    CGraphics2D::Instance()->init(tVect2{tFixed(o.width), tFixed(o.height)}, tColor{0, 0, 0, 255}, 0, 0);
+    Tadwick::Vell::VellOpenGLConfig* config = CGraphics2D::Instance()->getConfig();
     if (!config || !config->isValid() || !config->getX11Display()) {
         std::fprintf(stderr, "%s: no X11 display to open a window on (is DISPLAY set?)\n", kTool);
-        return 1;
+        return 0;
     }
+    return config;
+}
+
+int view(const tOptions& o)
+{
+    Tadwick::Vell::VellOpenGLConfig* config = openWindow(o);
+    if (!config)
+        return 1;
+    CGraphics2D* graphics = CGraphics2D::Instance();
     Display* display = static_cast<Display*>(config->getX11Display());
     Atom deleteWindow = XInternAtom(display, "WM_DELETE_WINDOW", False);
     XSetWMProtocols(display, config->getX11Window(), &deleteWindow, 1);
@@ -202,7 +227,6 @@ int view(const tOptions& o)
     int frame = 0, framesSinceTitle = 0;
     int status = 0;
     for (;;) {
-        int dt = 0;
         const tKey key = nextEvent(display, deleteWindow);
         if (key == KEY_QUIT)
             break;
@@ -213,12 +237,7 @@ int view(const tOptions& o)
         const tClock::time_point now = tClock::now();
         const int elapsed = static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(now - last).count());
         last = now;
-        if (o.frames > 0)
-            dt = frame > 0 ? 33 : 0;  // scripted runs step like the render tool, whatever the clock says
-        else if (!paused)
-            dt = elapsed;
-        if (key == KEY_STEP && paused)
-            dt = 33;
+        const int dt = stepOf(o, key, paused, frame, elapsed);
         if (dt > 0)
             scene.step(dt);
 
@@ -227,20 +246,14 @@ int view(const tOptions& o)
         scene.draw();
         const GLRecorder::tCounters counters = GLRecorder::counters();
         const bool lastFrame = o.frames > 0 && frame + 1 >= o.frames;
-        if (lastFrame && !o.screenshot.empty()) {
-            if (!saveScreenshot(*config, o.screenshot))
-                status = 1;
-        }
+        if (lastFrame && !o.screenshot.empty() && !saveScreenshot(*config, o.screenshot))
+            status = 1;
         graphics->swapBuffer();
         ++frame;
         ++framesSinceTitle;
         const double seconds = std::chrono::duration<double>(now - titleAt).count();
         if (seconds >= 0.5) {
-            char title[512];
-            std::snprintf(title, sizeof title, "%s  %.0f fps  %lu draw calls  %lu bytes uploaded%s",
-                          note.title().c_str(), framesSinceTitle / seconds, counters.drawCalls, counters.uploadBytes,
-                          paused ? "  (paused)" : "");
-            config->setWindowTitle(title);
+            showTitle(*config, note.title(), framesSinceTitle / seconds, counters, paused);
             titleAt = now;
             framesSinceTitle = 0;
         }
