@@ -129,6 +129,14 @@ bool readFrame(ImageIO::tImage& image)
 class Outputs
 {
 public:
+    /// The content files read: no picture may replace one.
+    explicit Outputs(const SceneOptions& inputs) : mInputs(inputs.sheets)
+    {
+        mInputs.insert(mInputs.end(), inputs.actors.begin(), inputs.actors.end());
+        mInputs.push_back(inputs.costume);
+        mInputs.push_back(inputs.scene);
+    }
+
     /// The temporary file to write path to; empty (with a message) when it cannot be.
     std::string add(const std::string& path)
     {
@@ -169,6 +177,8 @@ private:
         std::unique_ptr<OutputSet>& set = mSets[dir];
         if (!set) {
             set.reset(new OutputSet());
+            for (const std::string& input : mInputs)
+                set->protect(input);
             if (!set->open(dir)) {
                 std::fprintf(stderr, "%s: %s\n", kTool, set->error().c_str());
                 return 0;
@@ -177,6 +187,7 @@ private:
         return set.get();
     }
 
+    std::vector<std::string> mInputs;
     std::map<std::string, std::unique_ptr<OutputSet> > mSets;
 };
 
@@ -224,7 +235,9 @@ int run(const tOptions& options, Demo& demo)
 {
     const bool toDirectory = !options.out.empty() && (options.out.back() == '/' || isDirectory(options.out));
     const std::string frameDir = toDirectory ? options.out + (options.out.back() == '/' ? "" : "/") : std::string();
-    Outputs outputs;
+    SceneOptions inputs = options.sceneFiles;
+    inputs.scene = options.scene;
+    Outputs outputs(inputs);
     if (toDirectory)
         outputs.retireFrames(frameDir);
     const DemoOptions& o = options.demo;

@@ -70,9 +70,16 @@ bool parse(int argc, char** argv, tOptions& o, int& status)
 }
 
 /// The frame just drawn, opaque, as a set of one file.
-bool saveScreenshot(const Tadwick::Vell::VellOpenGLConfig& config, const std::string& path)
+bool saveScreenshot(const Tadwick::Vell::VellOpenGLConfig& config, const SceneOptions& inputs,
+                    const std::string& path)
 {
     OutputSet out;
+    for (const std::string& input : inputs.sheets)
+        out.protect(input);
+    for (const std::string& input : inputs.actors)
+        out.protect(input);
+    out.protect(inputs.costume);
+    out.protect(inputs.scene);
     ImageIO::tImage frame;
     std::string temp;
     if (out.open(directoryOf(path)) && !(temp = out.add(path)).empty() &&
@@ -246,7 +253,7 @@ int view(const tOptions& o)
         scene.draw();
         const GLRecorder::tCounters counters = GLRecorder::counters();
         const bool lastFrame = o.frames > 0 && frame + 1 >= o.frames;
-        if (lastFrame && !o.screenshot.empty() && !saveScreenshot(*config, o.screenshot))
+        if (lastFrame && !o.screenshot.empty() && !saveScreenshot(*config, o.files, o.screenshot))
             status = 1;
         graphics->swapBuffer();
         ++frame;
