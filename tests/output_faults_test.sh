@@ -73,4 +73,10 @@ cp "$IMP/hero.png" "$W/knight/knight.png"; cp "$W/knight/knight.json" "$W/knight
 (cd "$W/knight" && "$IMPORT" knight.json -o .) >/dev/null 2>"$W/err" && fail "import over its input"
 grep -q "knight.json:1:1: error: is an input of this run" "$W/err" && cmp -s "$W/knight/knight.json" "$W/knight.json" ||
   fail "import over its input: $(cat "$W/err")"
+# An import whose last rename fails keeps the previous actor, sheet and pages.
+(cd "$W/knight" && "$IMPORT" knight.json -o ../imp) >/dev/null || fail "import"
+cp -r "$W/imp" "$W/imp-old"
+(cd "$W/knight" && ZEPHRIN2D_OUTPUT_FAULT=fail:2 "$IMPORT" knight.json --once -o ../imp) >/dev/null 2>&1 &&
+  fail "import with a failing rename"
+diff -r "$W/imp" "$W/imp-old" >/dev/null || fail "import: not the old set: $(ls -a "$W/imp")"
 echo "zephrin2d output sets: all checks passed"
