@@ -1,7 +1,7 @@
 #!/bin/sh
 # Drives the viewer's keys in an Xvfb window and checks what the window shows:
 # space pauses (the picture holds past a cel change), the right arrow steps,
-# r reloads the edited scene file, q quits.
+# Select (Backspace) reloads the edited scene file, Escape quits.
 set -u
 VIEW=$1 RENDER=$2 DIFF=$3 XWIN=$4 SCENE=$5 ART=$6 OUT=$7
 rm -rf "$OUT"
@@ -60,13 +60,13 @@ shows stepped later.png "stepping did not reach the second cel"
 sed 's/"Position": \[10.0, 20.0\]/"Position": [60.0, 20.0]/' "$SCENE" >"$OUT/scene.json"
 render 1 edited.png
 differ edited.png first.png "the edit changes nothing"
-"$XWIN" scene.json key r
-shows reloaded edited.png "r did not reload the edited scene"
+"$XWIN" scene.json key BackSpace
+shows reloaded edited.png "Select (Backspace) did not reload the edited scene"
 
-"$XWIN" scene.json key q
+"$XWIN" scene.json key Escape
 i=0
 while kill -0 $viewer 2>/dev/null && [ $i -lt 50 ]; do sleep 0.1; i=$((i + 1)); done
-kill -0 $viewer 2>/dev/null && fail "q did not quit"
+kill -0 $viewer 2>/dev/null && fail "Escape did not quit"
 wait $viewer || fail "the viewer exited with $?"
 viewer="" xvfb=""
 echo "viewer keys pause, step, reload and quit"

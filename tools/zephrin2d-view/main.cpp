@@ -14,8 +14,7 @@
 
 #include <VellOpenGLConfig.h>
 
-#include <X11/Xlib.h>
-#include <X11/keysym.h>
+#include <Buttons.h>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -40,8 +39,9 @@ struct tOptions
 const char* const kAbout = "Shows a scene file in a window and plays its actors in real time.\n";
 
 const char* const kEpilog =
-    "Keys: space pauses and resumes, right arrow steps one frame (33 ms),\n"
-    "r reloads every file from disk, q or Escape quits.\n"
+    "Keys (the handheld's buttons): Start (Return or space) pauses and resumes,\n"
+    "right arrow steps one frame (33 ms) while paused, Select (Backspace) reloads\n"
+    "every file from disk, Escape or closing the window quits.\n"
     "The title shows frames per second, draw calls and uploaded bytes per frame.\n";
 
 bool parse(int argc, char** argv, tOptions& o, int& status)
@@ -156,36 +156,11 @@ private:
     std::vector<boost::shared_ptr<CText> > mTexts;
 };
 
-enum tKey { KEY_NONE, KEY_QUIT, KEY_PAUSE, KEY_STEP, KEY_RELOAD };
-
-/// The next key or window event, KEY_NONE when there is none.
-tKey nextEvent(Display* display, Atom deleteWindow)
-{
-    while (XPending(display)) {
-        XEvent event;
-        XNextEvent(display, &event);
-        if (event.type == ClientMessage && static_cast<Atom>(event.xclient.data.l[0]) == deleteWindow)
-            return KEY_QUIT;
-        if (event.type != KeyPress)
-            continue;
-        const KeySym key = XLookupKeysym(&event.xkey, 0);
-        if (key == XK_q || key == XK_Escape)
-            return KEY_QUIT;
-        if (key == XK_space)
-            return KEY_PAUSE;
-        if (key == XK_Right)
-            return KEY_STEP;
-        if (key == XK_r)
-            return KEY_RELOAD;
-    }
-    return KEY_NONE;
-}
-
 /// The milliseconds the scene moves on: scripted runs step like the render tool, whatever the clock says.
-int stepOf(const tOptions& o, tKey key, bool paused, int frame, int elapsed)
+int stepOf(const tOptions& o, int steps, bool paused, int frame, int elapsed)
 {
-    if (key == KEY_STEP && paused)
-        return 33;
+    if (paused && steps > 0)
+        return 33 * steps;
     return o.frames > 0 ? (frame > 0 ? 33 : 0) : paused ? 0 : elapsed;
 }
 
@@ -217,9 +192,8 @@ int view(const tOptions& o)
     if (!config)
         return 1;
     CGraphics2D* graphics = CGraphics2D::Instance();
-    Display* display = static_cast<Display*>(config->getX11Display());
-    Atom deleteWindow = XInternAtom(display, "WM_DELETE_WINDOW", False);
-    XSetWMProtocols(display, config->getX11Window(), &deleteWindow, 1);
+    Tadwick::Vell::CButtons buttons;
+    Tadwick::Vell::CFrameClock clock;
 
     SceneFiles scene(o.files);
     std::string error;
@@ -229,22 +203,20 @@ int view(const tOptions& o)
 
     typedef std::chrono::steady_clock tClock;
     const std::chrono::milliseconds frameTime(16);
-    tClock::time_point last = tClock::now(), titleAt = last;
+    tClock::time_point titleAt = tClock::now();
     bool paused = false;
     int frame = 0, framesSinceTitle = 0;
     int status = 0;
     for (;;) {
-        const tKey key = nextEvent(display, deleteWindow);
-        if (key == KEY_QUIT)
+        buttons.Poll();
+        if (buttons.QuitRequested())
             break;
-        if (key == KEY_PAUSE)
+        if (buttons.Presses(Tadwick::Vell::CButtons::START) % 2)
             paused = !paused;
-        if (key == KEY_RELOAD)
+        if (buttons.WasPressed(Tadwick::Vell::CButtons::SELECT))
             loaded = note.load(scene, error);
         const tClock::time_point now = tClock::now();
-        const int elapsed = static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(now - last).count());
-        last = now;
-        const int dt = stepOf(o, key, paused, frame, elapsed);
+        const int dt = stepOf(o, buttons.Presses(Tadwick::Vell::CButtons::RIGHT), paused, frame, clock.Tick());
         if (dt > 0)
             scene.step(dt);
 
