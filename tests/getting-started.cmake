@@ -2,7 +2,7 @@
 # compared with the one the guide shows; the guide shows each program whole.
 set(gs_source ${PROJECT_SOURCE_DIR}/examples/getting-started)
 set(gs_steps 01-hello:hello.png 02-sprite:sprite.png 03-atlas:atlas.png 04-actor:actor.png
-  05-text:text.png 06-points:points.png 07-scene:scene-4.png)
+  05-text:text.png 06-points:points.png 07-scene:scene-4.png 08-play:play.png)
 foreach(entry ${gs_steps})
   string(REPLACE ":" ";" entry ${entry})
   list(GET entry 0 step)
@@ -29,3 +29,9 @@ add_test(NAME getting-started-guide-shows-the-code
     -P ${CMAKE_CURRENT_SOURCE_DIR}/support/GuideShowsCode.cmake)
 set_tests_properties(${gs_tests} getting-started-01-hello-window getting-started-guide-shows-the-code readme-shows-the-demo PROPERTIES
   LABELS examples SKIP_RETURN_CODE 77 FAIL_REGULAR_EXPRESSION "ASSERT ")
+
+# The play step's keys in a window: the right arrow walks the hero, Escape quits.
+add_test(NAME getting-started-08-play-keys
+  COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/play_keys_test.sh $<TARGET_FILE:getting-started-08-play> ${gs_source}/art
+    $<TARGET_FILE:z2d-xwin> ${CMAKE_CURRENT_BINARY_DIR}/getting-started/08-play-keys)
+set_tests_properties(getting-started-08-play-keys PROPERTIES LABELS examples SKIP_RETURN_CODE 77 TIMEOUT 60)
