@@ -220,7 +220,7 @@ TEST(ImportMapping, LayerLookWarningsAndImageFallback)
                                 "\"image\": \"tiles.png\", \"columns\": 2, \"tilecount\": 4}]";
     const std::string frame = "{\"frames\": [{\"frame\": {\"x\": 0, \"y\": 0, \"w\": 8, \"h\": 8}}], \"meta\": {\"image\": ";
     const struct { const char* name; std::string text; std::vector<const char*> content, warnings; } cases[] = {
-        {"half.tmx", tmx + ">" + tsx + "<layer name=\"l\" opacity=\"0.5\"" + cell + "</map>", {"\"Color\": [255, 255, 255, 128]"}, {}},
+        {"half.tmx", tmx + ">" + tsx + "<layer name=\"l\" opacity=\"0.5\"" + cell + "</map>", {"\"Name\": \"l\"", "\"Color\": [255, 255, 255, 128]"}, {}},
         {"tinted.tmx", tmx + ">" + tsx + "<group tintcolor=\"#808080\" offsetx=\"2\"><layer name=\"l\" tintcolor=\"#80ff0000\" "
                        "opacity=\"0.5\" offsety=\"-3\"" + cell + "</group></map>", {"\"Position\": [2.0, 3.0, 0.0]", "\"Color\": [128, 0, 0, 64]"}, {}},
         {"dropped.tmx", tmx + " backgroundcolor=\"#000\"><properties/>" + tsx + "<layer name=\"l\" parallaxx=\"0.5\" parallaxy=\"1\"" + cell +

@@ -94,6 +94,14 @@ void setLayerColor(JsonText::Object& o, const tTiledLayer& layer)
                                    std::to_string(layer.tint[2]) + ", " + std::to_string(alpha)));
 }
 
+// The layer's name on the element that stands for it: its sprite, or its
+// actors when it has only animated tiles.
+void setName(JsonText::Object& o, const tTiledLayer& layer)
+{
+    if (!layer.name.empty())
+        o.setString("Name", layer.name);
+}
+
 // The scene of a map, written layer by layer; tile pictures are cut from
 // the tileset images as the layers first use them.
 class MapWriter
@@ -114,7 +122,7 @@ private:
     std::string picture(int set, int id);
     bool writeLayer(size_t l);
     bool placeTile(const tTiledLayer& layer, int r, int c, std::string& tiles, std::vector<tAnimatedTile>& animated);
-    bool writeActor(const tTiledLayer& layer, int depth, const tAnimatedTile& a);
+    bool writeActor(const tTiledLayer& layer, int depth, bool named, const tAnimatedTile& a);
     void append(const std::string& element)
     {
         if (!mElements.empty())
@@ -265,7 +273,7 @@ bool MapWriter::placeTile(const tTiledLayer& layer, int r, int c, std::string& t
     return true;
 }
 
-bool MapWriter::writeActor(const tTiledLayer& layer, int depth, const tAnimatedTile& a)
+bool MapWriter::writeActor(const tTiledLayer& layer, int depth, bool named, const tAnimatedTile& a)
 {
     const tTiledTileset& ts = mMap.tilesets[a.set];
     JsonText::Object actor;
@@ -273,6 +281,8 @@ bool MapWriter::writeActor(const tTiledLayer& layer, int depth, const tAnimatedT
     auto known = mActorOf.find(a.name);
     const bool defined = known != mActorOf.end();
     actor.set("ID", defined ? known->second : (mActorOf[a.name] = mIds.actors++));
+    if (named)
+        setName(actor, layer);
     place(actor, a.transform, a.x + layer.offsetX, a.y - layer.offsetY, depth);
     setLayerColor(actor, layer);
     if (!defined) {
@@ -317,6 +327,7 @@ bool MapWriter::writeLayer(size_t l)
     if (!tiles.empty()) {
         JsonText::Object sprite;
         sprite.set("ElementType", 1).set("ID", mIds.sprites++);
+        setName(sprite, layer);
         sprite.set("Position", JsonText::array(JsonText::real(layer.offsetX) + ", " + JsonText::real(-layer.offsetY) +
                                                ", " + JsonText::real(depth)));
         setLayerColor(sprite, layer);
@@ -324,7 +335,7 @@ bool MapWriter::writeLayer(size_t l)
         append(sprite.text());
     }
     for (const tAnimatedTile& a : animated)
-        if (!writeActor(layer, depth, a))
+        if (!writeActor(layer, depth, tiles.empty(), a))
             return false;
     mResult.notes.push_back("layer \"" + layer.name + "\": " + std::to_string(tileCount) + " tiles at depth " +
                             std::to_string(depth) +
