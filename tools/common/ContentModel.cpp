@@ -2,6 +2,7 @@
 
 #include "CAvatarCostume.h"
 #include "CTextureSheet.h"
+#include "Paths.h"
 
 #include <cstring>
 #include <fstream>
@@ -272,12 +273,6 @@ const char* kindName(FileKind kind)
     }
 }
 
-std::string directoryOf(const std::string& path)
-{
-    const size_t slash = path.rfind('/');
-    return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
-}
-
 std::string billboardFile(const std::string& prefix, const std::string& name) { return prefix + name; }
 
 std::string scenePrefix(const std::string& scenePath, bool hasDefaultPath, const std::string& defaultPath)
@@ -290,6 +285,13 @@ std::string actorPrefix(const std::string& actorPath) { return directoryOf(actor
 std::string sheetBitmapFile(const std::string& sheetPath, const std::string& bitmap)
 {
     return CTextureSheet::bitmapPath(sheetPath, bitmap).raw();
+}
+
+std::string foundCostumeTexture(const std::string& datasetPath, const std::string& uri)
+{
+    const std::string file = costumeTextureFile(datasetPath, uri);
+    std::ifstream in(file.c_str());
+    return in ? file : std::string();
 }
 
 std::string costumeTextureFile(const std::string& costumePath, const std::string& uri)

@@ -89,8 +89,6 @@ FileKind datasetKindOf(const std::string& path);
 FileKind kindNamed(const std::string& name);
 const char* kindName(FileKind kind);
 
-/// The directory part of a path, with its slash ("" when there is none).
-std::string directoryOf(const std::string& path);
 /// The file name a billboard image is loaded from when the sheet does not
 /// have it: the prefix followed by the name, joined as written.
 std::string billboardFile(const std::string& prefix, const std::string& name);
@@ -99,6 +97,9 @@ std::string billboardFile(const std::string& prefix, const std::string& name);
 std::string scenePrefix(const std::string& scenePath, bool hasDefaultPath, const std::string& defaultPath);
 /// The prefix of an actor file's (or actor dataset's) billboard names: its own directory.
 std::string actorPrefix(const std::string& actorPath);
+/// A costume LOD's texture file when it is sought beside a dataset at
+/// datasetPath or through the art lookup; empty when it is found nowhere.
+std::string foundCostumeTexture(const std::string& datasetPath, const std::string& uri);
 /// A texture sheet's bitmap file, as the sheet loads it.
 std::string sheetBitmapFile(const std::string& sheetPath, const std::string& bitmap);
 /// A costume LOD's texture file, as the costume loads it (beside the costume, then the art lookup).

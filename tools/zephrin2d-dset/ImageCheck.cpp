@@ -1,5 +1,6 @@
 #include "ImageCheck.h"
 
+#include "ContentModel.h"
 #include "Paths.h"
 
 #include <QJN.h>
@@ -27,7 +28,7 @@ void sheetNames(const std::string& sheetPath, std::set<std::string>& names, std:
     const QJN::Value bitmaps = file.getRoot()["ImageData"];
     for (unsigned int i = 0; i < bitmaps.size(); ++i) {
         const std::string bitmap = bitmaps[i]["Bitmap"].asString();
-        const std::string path = (!bitmap.empty() && bitmap[0] == '/' ? "" : directoryOf(sheetPath)) + bitmap;
+        const std::string path = ContentModel::sheetBitmapFile(sheetPath, bitmap);
         if (!isFile(path))
             missing.push_back(sheetPath + ": ImageData[" + std::to_string(i) + "].Bitmap: image \"" + bitmap +
                               "\" not found at " + path);
@@ -52,7 +53,7 @@ bool checkImages(DsetCompiler::tKind kind, const std::string& jsonPath, const st
         for (unsigned int i = 0; i < lods.size(); ++i) {
             const std::string uri = lods[i]["TextureURI"].asString();
             const bool absolute = !uri.empty() && uri[0] == '/';
-            if (absolute ? isFile(uri) : isFile(dir + uri) || !CSystemData::Instance()->FindArt(uri).empty())
+            if (!ContentModel::foundCostumeTexture(datasetPath, uri).empty())
                 continue;
             missing.push_back(jsonPath + ": LODList[" + std::to_string(i) + "].TextureURI: image \"" + uri +
                               "\" not found" +
@@ -71,10 +72,11 @@ bool checkImages(DsetCompiler::tKind kind, const std::string& jsonPath, const st
         const QJN::Value children = cels[i]["Children"];
         for (unsigned int k = 0; k < children.size(); ++k) {
             const QJN::Value child = children[k];
-            if (child["ElementType"].asInt() != 0 || !child["URL"].isString())
+            if (ContentModel::objectOf(child["ElementType"].asInt()) != ContentModel::Object::Billboard ||
+                !child["URL"].isString())
                 continue;
             const std::string url = child["URL"].asString();
-            if (names.count(url) || isFile(dir + url))
+            if (names.count(url) || isFile(ContentModel::billboardFile(ContentModel::actorPrefix(datasetPath), url)))
                 continue;
             missing.push_back(jsonPath + ": Animation[" + std::to_string(i) + "].Children[" + std::to_string(k) +
                               "].URL: image \"" + url + "\" not found: " +

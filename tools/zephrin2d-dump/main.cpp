@@ -1,5 +1,6 @@
 // zephrin2d-dump: prints the XML document of an actor or costume JSON file.
 #include "CommandLine.h"
+#include "ContentModel.h"
 #include "DsetDump.h"
 #include "DsetSource.h"
 #include "LoadReport.h"
@@ -79,12 +80,9 @@ int main(int argc, char** argv)
                 file.getError().empty() ? "cannot be read or parsed" : file.getError().c_str());
         return 1;
     }
-    if (detected.empty()) {
-        if (file.getRoot().isMember("Animation"))
-            detected = "actor";
-        else if (file.getRoot().isMember("LODList"))
-            detected = "costume";
-    }
+    const ContentModel::FileKind held = ContentModel::kindOf(file.getRoot());
+    if (detected.empty() && (held == ContentModel::FileKind::Actor || held == ContentModel::FileKind::Costume))
+        detected = ContentModel::kindName(held);
     if (!kind.empty() && !detected.empty() && kind != detected) {
         fprintf(stderr, "zephrin2d-dump: %s: --%s asked for, but the file is %s\n", path.c_str(), kind.c_str(),
                 detected == "actor" ? "an actor" : "a costume");
