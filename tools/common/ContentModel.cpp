@@ -85,6 +85,8 @@ const std::vector<tKey> kSchema = {
     K("$schema", Type::String, "for editors; ignored by the loaders and tools"),
 };
 
+std::vector<tKey> formatTable(Object object);
+
 std::vector<tKey> table(Object object)
 {
     switch (object) {
@@ -111,6 +113,14 @@ std::vector<tKey> table(Object object)
         return {K("Opcode", Type::Integer, "the code below").req().range(1, 5),
                 K("Oparg", Type::IntegerOrNames, "the argument, kept as 16 bits").range(0, 65535).def("0")};
     case Object::ActorFile: return join({kGraphic, kAnimation, kSchema});
+    default: return formatTable(object);
+    }
+}
+
+/// Texture sheets and costumes.
+std::vector<tKey> formatTable(Object object)
+{
+    switch (object) {
     case Object::Sheet:
         return join({{K("ImageData", Type::Array, "one object per bitmap").req().items(Type::Array, 0, kAny,
                                                                                        "bitmap objects")},

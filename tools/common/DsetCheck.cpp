@@ -81,6 +81,36 @@ const char* DsetCheck::string(const uint32_t& field, const char* what)
     return s;
 }
 
+bool DsetCheck::load()
+{
+    std::vector<std::string> refusals;
+    Tadwick::Vell::CDebugMPI::tHandler previous =
+        Tadwick::Vell::CDebugMPI::SetHandler([&refusals](int, int level, const std::string& text) {
+            if (level <= 1)
+                refusals.push_back(text);
+        });
+    mDataset = LoadDataset(mPath.c_str(), mRelinkPath.c_str());
+    Tadwick::Vell::CDebugMPI::SetHandler(previous);
+    if (!mDataset || !mDataset->data) {
+        std::string reason = refusals.empty() ? std::string("it cannot be loaded") : refusals.front();
+        const std::string lead = "LoadDataset: " + mPath + ": ";
+        if (reason.compare(0, lead.size(), lead) == 0)
+            reason = reason.substr(lead.size());
+        else if (reason.compare(0, 13, "LoadDataset: ") == 0)
+            reason = reason.substr(13);
+        while (!reason.empty() && reason.back() == '\n')
+            reason.pop_back();
+        error(0u, "the dataset is refused: " + reason);
+        return false;
+    }
+    std::ifstream relink(mRelinkPath.c_str(), std::ios::binary);
+    unsigned char word[4];
+    while (relink.read(reinterpret_cast<char*>(word), 4))
+        mRelink.insert(word[0] | word[1] << 8 | word[2] << 16 | static_cast<uint32_t>(word[3]) << 24);
+    mReader = new CDsetReader(mDataset);
+    return true;
+}
+
 void DsetCheck::check(const std::string& path, ContentModel::FileKind role)
 {
     mPath = path;
@@ -90,35 +120,9 @@ void DsetCheck::check(const std::string& path, ContentModel::FileKind role)
         return;
     }
     mRelinkPath = path.substr(0, at) + ".relinkBin";
-    const size_t slash = path.rfind('/');
-    mDirectory = slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
-
-    std::vector<std::string> refusals;
-    Tadwick::Vell::CDebugMPI::tHandler previous =
-        Tadwick::Vell::CDebugMPI::SetHandler([&refusals](int, int level, const std::string& text) {
-            if (level <= 1)
-                refusals.push_back(text);
-        });
-    mDataset = LoadDataset(path.c_str(), mRelinkPath.c_str());
-    Tadwick::Vell::CDebugMPI::SetHandler(previous);
-    if (!mDataset || !mDataset->data) {
-        std::string reason = refusals.empty() ? std::string("it cannot be loaded") : refusals.front();
-        const std::string lead = "LoadDataset: " + path + ": ";
-        if (reason.compare(0, lead.size(), lead) == 0)
-            reason = reason.substr(lead.size());
-        else if (reason.compare(0, 13, "LoadDataset: ") == 0)
-            reason = reason.substr(13);
-        while (!reason.empty() && reason.back() == '\n')
-            reason.pop_back();
-        error(0u, "the dataset is refused: " + reason);
+    mDirectory = ContentModel::actorPrefix(path);
+    if (!load())
         return;
-    }
-    std::ifstream relink(mRelinkPath.c_str(), std::ios::binary);
-    unsigned char word[4];
-    while (relink.read(reinterpret_cast<char*>(word), 4))
-        mRelink.insert(word[0] | word[1] << 8 | word[2] << 16 | static_cast<uint32_t>(word[3]) << 24);
-    mReader = new CDsetReader(mDataset);
-
     const uint32_t* magic = mReader->record<uint32_t>(mDataset->data);
     using ContentModel::FileKind;
     const FileKind held = !magic ? FileKind::Unknown
@@ -186,46 +190,51 @@ void DsetCheck::checkActor(const void* data)
             error(&cel.operations, "the operations of cel " + std::to_string(i) + " reach outside the dataset");
             mWalkComplete = false;
         }
-        const tDsetBillboard* b = mReader->array<tDsetBillboard>(pointer(cel.billboards), cel.billboardCount);
-        for (uint32_t k = 0; b && k < cel.billboardCount; ++k) {
-            const char* url = string(b[k].url, "an image name");
-            if (b[k].id < billboards)
-                continue;
-            if (b[k].id != billboards)
-                error(&b[k].id, "billboard ID " + std::to_string(b[k].id) +
-                                    " is not the next billboard number: the loader makes it billboard " +
-                                    std::to_string(billboards));
-            ++billboards;
-            if (url) {
-                const uint32_t offset = static_cast<uint32_t>(reinterpret_cast<const char*>(&b[k].url) -
-                                                              static_cast<const char*>(mDataset->base));
-                mContent.checkBillboardImage(url, mDirectory, mPath, 1, static_cast<int>(offset) + 1);
-            }
+        checkChildren(cel, i, billboards, pieces);
+    }
+}
+
+void DsetCheck::checkChildren(const tDsetSpriteCel& cel, uint32_t i, unsigned int& billboards, unsigned int& pieces)
+{
+    const tDsetBillboard* b = mReader->array<tDsetBillboard>(pointer(cel.billboards), cel.billboardCount);
+    for (uint32_t k = 0; b && k < cel.billboardCount; ++k) {
+        const char* url = string(b[k].url, "an image name");
+        if (b[k].id < billboards)
+            continue;
+        if (b[k].id != billboards)
+            error(&b[k].id, "billboard ID " + std::to_string(b[k].id) +
+                                " is not the next billboard number: the loader makes it billboard " +
+                                std::to_string(billboards));
+        ++billboards;
+        if (url) {
+            const uint32_t offset = static_cast<uint32_t>(reinterpret_cast<const char*>(&b[k].url) -
+                                                          static_cast<const char*>(mDataset->base));
+            mContent.checkBillboardImage(url, mDirectory, mPath, 1, static_cast<int>(offset) + 1);
         }
-        if (!b && cel.billboardCount && !refused(cel.billboards)) {
-            error(&cel.billboards, "the billboards of cel " + std::to_string(i) + " reach outside the dataset");
-            mWalkComplete = false;
-        }
-        const tDsetAvatarPiece* p = mReader->array<tDsetAvatarPiece>(pointer(cel.avatarPieces), cel.avatarPieceCount);
-        for (uint32_t k = 0; p && k < cel.avatarPieceCount; ++k) {
-            const char* component = string(p[k].component, "a component name");
-            const char* variation = string(p[k].variation, "a variation name");
-            if (p[k].id < pieces)
-                continue;
-            if (p[k].id != pieces)
-                error(&p[k].id, "avatar piece ID " + std::to_string(p[k].id) +
-                                    " is not the next avatar piece number: the loader makes it avatar piece " +
-                                    std::to_string(pieces));
-            ++pieces;
-            if (component && variation)
-                mContent.checkPiece(component, variation, mPath, 1,
-                                    static_cast<int>(reinterpret_cast<const char*>(&p[k].component) -
-                                                     static_cast<const char*>(mDataset->base)) + 1);
-        }
-        if (!p && cel.avatarPieceCount && !refused(cel.avatarPieces)) {
-            error(&cel.avatarPieces, "the avatar pieces of cel " + std::to_string(i) + " reach outside the dataset");
-            mWalkComplete = false;
-        }
+    }
+    if (!b && cel.billboardCount && !refused(cel.billboards)) {
+        error(&cel.billboards, "the billboards of cel " + std::to_string(i) + " reach outside the dataset");
+        mWalkComplete = false;
+    }
+    const tDsetAvatarPiece* p = mReader->array<tDsetAvatarPiece>(pointer(cel.avatarPieces), cel.avatarPieceCount);
+    for (uint32_t k = 0; p && k < cel.avatarPieceCount; ++k) {
+        const char* component = string(p[k].component, "a component name");
+        const char* variation = string(p[k].variation, "a variation name");
+        if (p[k].id < pieces)
+            continue;
+        if (p[k].id != pieces)
+            error(&p[k].id, "avatar piece ID " + std::to_string(p[k].id) +
+                                " is not the next avatar piece number: the loader makes it avatar piece " +
+                                std::to_string(pieces));
+        ++pieces;
+        if (component && variation)
+            mContent.checkPiece(component, variation, mPath, 1,
+                                static_cast<int>(reinterpret_cast<const char*>(&p[k].component) -
+                                                 static_cast<const char*>(mDataset->base)) + 1);
+    }
+    if (!p && cel.avatarPieceCount && !refused(cel.avatarPieces)) {
+        error(&cel.avatarPieces, "the avatar pieces of cel " + std::to_string(i) + " reach outside the dataset");
+        mWalkComplete = false;
     }
 }
 

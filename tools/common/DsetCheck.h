@@ -11,6 +11,7 @@
 
 class CDataset;
 class CDsetReader;
+struct tDsetSpriteCel;
 class ContentCheck;
 
 /// Checks an actor or costume dataset: loads it as the platform does (and
@@ -36,7 +37,11 @@ private:
     /// Whether pointer() refused the field.
     bool refused(const uint32_t& field) const;
     const char* string(const uint32_t& field, const char* what);
+    /// Loads the dataset as the platform does; false (reported) when it is refused.
+    bool load();
     void checkActor(const void* data);
+    /// The billboards and avatar pieces of cel i, numbered on from those before.
+    void checkChildren(const tDsetSpriteCel& cel, uint32_t i, unsigned int& billboards, unsigned int& pieces);
     void checkCostume(const void* data);
 
     Diagnostics& mReport;

@@ -307,6 +307,32 @@ void actor(const QJN::Value& root, DsetWriter& out)
     }
 }
 
+void writeVariations(DsetWriter& out, uint32_t compOffset, const QJN::Value& variations, const std::string& cp)
+{
+    const uint32_t count = variations.size();
+    out.put(compOffset + offsetof(tDsetCostumeComponent, variationCount), count);
+    if (!count)
+        return;
+    const uint32_t varBase = out.reserve(count * sizeof(tDsetCostumeVariation));
+    out.setPointer(compOffset + offsetof(tDsetCostumeComponent, variations), varBase);
+    for (unsigned int v = 0; v < count; ++v) {
+        const std::string vp = at(at(cp, "Variations"), v);
+        const QJN::Value var = variations[v];
+        tDsetCostumeVariation r;
+        r.name = 0;
+        r.left = number(var, Object::Variation, "RectLeft", vp);
+        r.top = number(var, Object::Variation, "RectTop", vp);
+        r.right = number(var, Object::Variation, "RectRight", vp);
+        r.bottom = number(var, Object::Variation, "RectBottom", vp);
+        r.regX = number(var, Object::Variation, "RegPointX", vp);
+        r.regY = number(var, Object::Variation, "RegPointY", vp);
+        const uint32_t name = out.addString(text(var["Name"], at(vp, "Name")));
+        const uint32_t offset = varBase + v * sizeof(tDsetCostumeVariation);
+        out.put(offset, r);
+        out.setPointer(offset, name);
+    }
+}
+
 void costume(const QJN::Value& root, DsetWriter& out)
 {
     if (!root.isObject())
@@ -355,28 +381,7 @@ void costume(const QJN::Value& root, DsetWriter& out)
             const uint32_t compOffset = compBase + k * sizeof(tDsetCostumeComponent);
             const QJN::Value variations = array(components[k]["Variations"], at(cp, "Variations"));
             out.setPointer(compOffset, out.addString(text(components[k]["Name"], at(cp, "Name"))));
-            const uint32_t count = variations.size();
-            out.put(compOffset + offsetof(tDsetCostumeComponent, variationCount), count);
-            if (!count)
-                continue;
-            const uint32_t varBase = out.reserve(count * sizeof(tDsetCostumeVariation));
-            out.setPointer(compOffset + offsetof(tDsetCostumeComponent, variations), varBase);
-            for (unsigned int v = 0; v < count; ++v) {
-                const std::string vp = at(at(cp, "Variations"), v);
-                const QJN::Value var = variations[v];
-                tDsetCostumeVariation r;
-                r.name = 0;
-                r.left = number(var, Object::Variation, "RectLeft", vp);
-                r.top = number(var, Object::Variation, "RectTop", vp);
-                r.right = number(var, Object::Variation, "RectRight", vp);
-                r.bottom = number(var, Object::Variation, "RectBottom", vp);
-                r.regX = number(var, Object::Variation, "RegPointX", vp);
-                r.regY = number(var, Object::Variation, "RegPointY", vp);
-                const uint32_t name = out.addString(text(var["Name"], at(vp, "Name")));
-                const uint32_t offset = varBase + v * sizeof(tDsetCostumeVariation);
-                out.put(offset, r);
-                out.setPointer(offset, name);
-            }
+            writeVariations(out, compOffset, variations, cp);
         }
     }
 }
