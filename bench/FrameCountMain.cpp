@@ -43,8 +43,8 @@ template <class S> int run(S& scene, int frames)
 int usage(FILE* out, int status)
 {
     fprintf(out, "usage: Zephrin2DFrameCount SCENE WAY [FRAMES]\n"
-                 "  SCENE   a, b, c, d, e or f\n"
-                 "  WAY     zephrin2d, immediate, sdl2 or floor\n"
+                 "  SCENE   a, b, c, d, e, f or g\n"
+                 "  WAY     zephrin2d, colors (zephrin2d with element colours on), immediate, sdl2 or floor\n"
                  "  FRAMES  frames counted after %d warm-up frames (default 4)\n",
             WARM_UP);
     return status;
@@ -56,15 +56,15 @@ int main(int argc, char** argv)
 {
     if (argc > 1 && strcmp(argv[1], "--help") == 0)
         return usage(stdout, 0);
-    if (argc < 3 || argc > 4 || strlen(argv[1]) != 1 || !strchr("abcdef", argv[1][0]))
+    if (argc < 3 || argc > 4 || strlen(argv[1]) != 1 || !strchr("abcdefg", argv[1][0]))
         return usage(stderr, 2);
     const int frames = argc == 4 ? atoi(argv[3]) : 4;
     if (frames <= 0)
         return usage(stderr, 2);
     const tScene scene = makeScene(argv[1][0]);
     const char* way = argv[2];
-    if (strcmp(way, "zephrin2d") == 0 || strcmp(way, "immediate") == 0) {
-        ZephrinScene z(scene, strcmp(way, "zephrin2d") == 0);
+    if (strcmp(way, "zephrin2d") == 0 || strcmp(way, "colors") == 0 || strcmp(way, "immediate") == 0) {
+        ZephrinScene z(scene, strcmp(way, "immediate") != 0, strcmp(way, "colors") == 0);
         return run(z, frames);
     }
     if (strcmp(way, "floor") == 0) {

@@ -89,7 +89,7 @@ void sdl(benchmark::State& state, char id)
 
 int registerAll()
 {
-    const char* ids = "abcdef";
+    const char* ids = "abcdefg";
     for (const char* p = ids; *p; ++p) {
         const char id = *p;
         const std::string base = std::string("BM_Scene/") + id + "/";

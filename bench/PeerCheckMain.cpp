@@ -42,7 +42,7 @@ int main(int argc, char** argv)
     const double maxShare = 0.01;     // share of pixels allowed beyond it
     const char* outDir = argc > 1 ? argv[1] : 0;
     int failures = 0;
-    for (char id : {'a', 'd'}) {
+    for (char id : {'a', 'd', 'g'}) {
         const tScene s = makeScene(id, true);
         ImageIO::tImage managed, immediate, floor, peer;
         {

@@ -10,7 +10,7 @@
 
 namespace PeerScenes {
 
-FloorScene::FloorScene(const tScene& scene) : mScene(scene), mBuffers{0, 0, 0}, mMovingQuads(0)
+FloorScene::FloorScene(const tScene& scene) : mScene(scene), mBuffers{0, 0, 0, 0}, mMovingQuads(0)
 {
     Tadwick::Vell::VellOpenGLConfig::SetSurfaceSize(scene.width, scene.height);
     CGraphics2D::Instance()->init(tVect2{tFixed(scene.width), tFixed(scene.height)}, tColor{0, 0, 0, 255}, 0, 0);
@@ -30,12 +30,18 @@ FloorScene::FloorScene(const tScene& scene) : mScene(scene), mBuffers{0, 0, 0}, 
             }
     mPositions.resize(quad * 12);
     mCoords.resize(quad * 8);
+    for (size_t i = 0; i < sprites; ++i)
+        if (scene.sprites[i].tint[3])
+            mColors.assign(quad * 16, 255);
     for (size_t i = 0; i < sprites; ++i) {
         const tSpriteDef& d = scene.sprites[i];
         for (int c = 0; c < cels; ++c) {
             const int t = (d.texture + c) % static_cast<int>(scene.textures.size());
             putQuad(mQuadOf[i] + c, d, scene.textures[t]);
         }
+        for (int v = 0; v < 4 && !mColors.empty(); ++v)
+            for (int c = 0; c < 4; ++c)
+                mColors[(mQuadOf[i] * 4 + v) * 4 + c] = d.tint[3] ? d.tint[c] : 255;
     }
 
     // Opaque quads front to back per texture; translucent ones back to front, one batch per depth.
@@ -48,7 +54,7 @@ FloorScene::FloorScene(const tScene& scene) : mScene(scene), mBuffers{0, 0, 0}, 
             const tBatch b = {mTextures[t]->glTextureId, static_cast<GLsizei>(mIndices.size()), 0};
             for (size_t k = sprites; k-- > 0;) {
                 const int i = backToFront[k];
-                if (scene.sprites[i].texture != static_cast<int>(t))
+                if (scene.sprites[i].texture != static_cast<int>(t) || blended(scene, scene.sprites[i]))
                     continue;
                 const uint16_t v = static_cast<uint16_t>(mQuadOf[i] * 4);
                 const uint16_t quadIndices[6] = {v, uint16_t(v + 1), uint16_t(v + 2), uint16_t(v + 2),
@@ -61,7 +67,7 @@ FloorScene::FloorScene(const tScene& scene) : mScene(scene), mBuffers{0, 0, 0}, 
         int32_t batchZ = 0;
         for (size_t k = 0; k < sprites; ++k) {
             const tSpriteDef& d = scene.sprites[backToFront[k]];
-            if (!scene.textures[d.texture].translucent)
+            if (!blended(scene, d))
                 continue;
             const GLuint texture = mTextures[d.texture]->glTextureId;
             const bool sameBatch = !mTranslucent.empty() && batchZ == d.z && mTranslucent.back().texture == texture;
@@ -79,7 +85,13 @@ FloorScene::FloorScene(const tScene& scene) : mScene(scene), mBuffers{0, 0, 0}, 
         buildIndices(0);
     }
 
-    glGenBuffers(3, mBuffers);
+    glGenBuffers(4, mBuffers);
+    if (!mColors.empty()) {
+        glBindBuffer(GL_ARRAY_BUFFER, mBuffers[3]);
+        glBufferData(GL_ARRAY_BUFFER, mColors.size(), mColors.data(), GL_DYNAMIC_DRAW);
+        glColorPointer(4, GL_UNSIGNED_BYTE, 0, 0);
+        glEnableClientState(GL_COLOR_ARRAY);
+    }
     glBindBuffer(GL_ARRAY_BUFFER, mBuffers[1]);
     glBufferData(GL_ARRAY_BUFFER, mCoords.size() * 4, mCoords.data(), GL_STATIC_DRAW);
     glTexCoordPointer(2, GL_FIXED, 0, 0);
@@ -95,7 +107,8 @@ FloorScene::~FloorScene()
 {
     glBindBuffer(GL_ARRAY_BUFFER, 0);
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
-    glDeleteBuffers(3, mBuffers);
+    glDisableClientState(GL_COLOR_ARRAY);
+    glDeleteBuffers(4, mBuffers);
     mTextures.clear();
     CGraphics2D::Instance()->cleanup();
 }
@@ -152,6 +165,16 @@ void FloorScene::update(int frame)
         buildIndices(frame);
         glBufferSubData(GL_ELEMENT_ARRAY_BUFFER, 0, mIndices.size() * 2, mIndices.data());
         return;
+    }
+    if (!mColors.empty()) {
+        for (size_t i = 0; i < mScene.sprites.size(); ++i) {
+            const uint8_t a = alphaOf(mScene.sprites[i], frame);
+            for (int v = 0; v < 4; ++v)
+                mColors[(mQuadOf[i] * 4 + v) * 4 + 3] = a;
+        }
+        glBindBuffer(GL_ARRAY_BUFFER, mBuffers[3]);
+        glBufferSubData(GL_ARRAY_BUFFER, 0, mColors.size(), mColors.data());
+        glBindBuffer(GL_ARRAY_BUFFER, mBuffers[0]);
     }
     if (mMovingQuads == 0)
         return;

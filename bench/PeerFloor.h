@@ -18,7 +18,9 @@ namespace PeerScenes {
 /// index buffer; a frame is one glDrawElements per texture for opaque
 /// quads, one per depth for translucent ones (back to front), plus one
 /// upload of the moved quads' positions, or for actors of the indices of
-/// the cels now shown. The library sets up the context and textures only.
+/// the cels now shown. Tinted quads (scene g) draw with a colour array
+/// whose alphas are all uploaded again each frame. The library sets up the
+/// context and textures only.
 class FloorScene
 {
 public:
@@ -43,9 +45,10 @@ private:
 
     tScene mScene;
     std::vector<boost::shared_ptr<CTexture> > mTextures;
-    GLuint mBuffers[3];         ///< positions, texture coordinates, indices
+    GLuint mBuffers[4];         ///< positions, texture coordinates, indices, colours
     std::vector<int32_t> mPositions;
     std::vector<int32_t> mCoords;
+    std::vector<uint8_t> mColors;   ///< RGBA per vertex; empty without tints
     std::vector<uint16_t> mIndices;
     std::vector<int> mQuadOf;   ///< sprite -> its first quad
     size_t mMovingQuads;

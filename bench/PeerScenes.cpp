@@ -142,6 +142,23 @@ tScene makeScene(char id, bool pixelCheck)
             d.moving = false;
             s.sprites.push_back(d);
         }
+    } else if (id == 'g') {
+        s.name = "2,000 tinted sprites fading, 4 textures, 50 depths";
+        for (int t = 0; t < 4; ++t)
+            s.textures.push_back(texture("opaque", t, 8, false));
+        for (int i = 0; i < 2000; ++i) {
+            tSpriteDef d = {};
+            const int depth = r.below(50);
+            d.x = 4 + r.below(56);
+            d.y = 4 + r.below(56);
+            d.z = depth * 0x2000;
+            d.texture = depth % 4;
+            d.angle = angleOf(r, pixelCheck);
+            for (int c = 0; c < 3; ++c)
+                d.tint[c] = static_cast<uint8_t>(64 + r.below(192));
+            d.tint[3] = static_cast<uint8_t>(64 + r.below(128));
+            s.sprites.push_back(d);
+        }
     } else if (id == 'e') {
         s.name = "500 actors changing cel every frame";
         s.cels = 4;
@@ -170,7 +187,7 @@ tScene makeScene(char id, bool pixelCheck)
         s.textures.push_back(texture("effect", 1, 16, true));
         // 80 background tiles at one depth, side by side.
         for (int i = 0; i < 80; ++i) {
-            tSpriteDef d = {16 + 32 * (i % 10), 16 + 32 * (i / 10), -0x8000, (i + i / 10) % 2, 0, false};
+            tSpriteDef d = {16 + 32 * (i % 10), 16 + 32 * (i / 10), -0x8000, (i + i / 10) % 2, 0, false, {0, 0, 0, 0}};
             s.sprites.push_back(d);
         }
         // 200 characters and props, 40 of them walking; 20 translucent effects, all moving.

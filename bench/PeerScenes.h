@@ -27,11 +27,12 @@ struct tSpriteDef
     int texture;        ///< first texture (actors: of their cel run)
     int angle;          ///< degrees, counter-clockwise
     bool moving;        ///< steps one pixel left and right every frame
+    uint8_t tint[4];    ///< colour and alpha (scene g); alpha 0: drawn as the texture is
 };
 
 struct tScene
 {
-    char id;                  ///< 'a' ... 'f'
+    char id;                  ///< 'a' ... 'g'
     std::string name;
     int width, height;        ///< surface
     std::vector<tTextureDef> textures;
@@ -42,7 +43,7 @@ struct tScene
 /// The directory the art is written to (created on first use).
 std::string artDirectory();
 
-/// Scene 'a' ... 'f'. pixelCheck gives rotations in steps of 90 degrees
+/// Scene 'a' ... 'g'. pixelCheck gives rotations in steps of 90 degrees
 /// only, so that the ways can be compared pixel by pixel.
 tScene makeScene(char id, bool pixelCheck = false);
 
@@ -51,6 +52,12 @@ std::vector<int> paintersOrder(const tScene& scene);
 
 /// The step of a moving sprite in frame n: +1 or -1 pixel.
 inline int stepOf(int frame) { return (frame & 1) ? 1 : -1; }
+
+/// A tinted sprite's alpha in frame n: it fades by one step and back.
+inline uint8_t alphaOf(const tSpriteDef& d, int frame) { return static_cast<uint8_t>(d.tint[3] + (frame & 1)); }
+
+/// Whether the sprite draws blended: a translucent texture or a tint with alpha.
+inline bool blended(const tScene& s, const tSpriteDef& d) { return s.textures[d.texture].translucent || d.tint[3]; }
 
 } // namespace PeerScenes
 

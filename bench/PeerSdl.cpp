@@ -6,7 +6,7 @@
 
 namespace PeerScenes {
 
-SdlScene::SdlScene(const tScene& scene) : mScene(scene), mWindow(0), mRenderer(0), mFinish(0)
+SdlScene::SdlScene(const tScene& scene) : mScene(scene), mWindow(0), mRenderer(0), mFinish(0), mFrame(0)
 {
     SDL_SetHint(SDL_HINT_RENDER_DRIVER, "opengles2");
     SDL_SetHint(SDL_HINT_RENDER_BATCHING, "1");
@@ -33,7 +33,10 @@ SdlScene::SdlScene(const tScene& scene) : mScene(scene), mWindow(0), mRenderer(0
         SDL_Texture* texture = SDL_CreateTexture(mRenderer, SDL_PIXELFORMAT_ABGR8888, SDL_TEXTUREACCESS_STATIC,
                                                  image.width, image.height);
         SDL_UpdateTexture(texture, 0, image.rgba.data(), image.width * 4);
-        SDL_SetTextureBlendMode(texture, scene.textures[t].translucent ? SDL_BLENDMODE_BLEND : SDL_BLENDMODE_NONE);
+        bool blend = scene.textures[t].translucent;
+        for (size_t i = 0; i < scene.sprites.size(); ++i)
+            blend = blend || (scene.sprites[i].texture == static_cast<int>(t) && scene.sprites[i].tint[3]);
+        SDL_SetTextureBlendMode(texture, blend ? SDL_BLENDMODE_BLEND : SDL_BLENDMODE_NONE);
         mTextures.push_back(texture);
     }
     mPainters = paintersOrder(scene);
@@ -65,6 +68,7 @@ std::string SdlScene::rendererName() const
 
 void SdlScene::update(int frame)
 {
+    mFrame = frame;
     const int step = stepOf(frame);
     for (size_t i = 0; i < mX.size(); ++i)
         if (mScene.sprites[i].moving)
@@ -86,6 +90,10 @@ void SdlScene::draw()
         const tTextureDef& def = mScene.textures[t];
         // Bottom-left origin, y up, counter-clockwise degrees -> top-left origin, y down, clockwise.
         const SDL_Rect dst = {mX[i] - def.width / 2, mScene.height - d.y - def.height / 2, def.width, def.height};
+        if (d.tint[3]) {
+            SDL_SetTextureColorMod(mTextures[t], d.tint[0], d.tint[1], d.tint[2]);
+            SDL_SetTextureAlphaMod(mTextures[t], alphaOf(d, mFrame));
+        }
         SDL_RenderCopyEx(mRenderer, mTextures[t], 0, &dst, -static_cast<double>(d.angle), 0, SDL_FLIP_NONE);
     }
     SDL_RenderFlush(mRenderer);

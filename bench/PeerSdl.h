@@ -45,6 +45,7 @@ private:
     std::vector<int> mX;        ///< current centre x of each sprite
     std::vector<int> mCel;      ///< current cel of each actor
     void (*mFinish)();
+    int mFrame;                 ///< the frame last updated to (tinted sprites fade)
 };
 
 } // namespace PeerScenes

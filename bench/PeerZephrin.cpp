@@ -28,16 +28,23 @@ void place(CGraphicElement& e, const tSpriteDef& d, const tTextureDef& t)
 
 } // namespace
 
-ZephrinScene::ZephrinScene(const tScene& scene, bool managed) : mScene(scene), mManaged(managed)
+ZephrinScene::ZephrinScene(const tScene& scene, bool managed, bool colors) : mScene(scene), mManaged(managed)
 {
     Tadwick::Vell::VellOpenGLConfig::SetSurfaceSize(scene.width, scene.height);
     CGraphics2D::Instance()->init(tVect2{tFixed(scene.width), tFixed(scene.height)}, tColor{0, 0, 0, 255}, 0, 0);
+    for (size_t i = 0; i < scene.sprites.size(); ++i)
+        colors = colors || scene.sprites[i].tint[3] != 0;
+    CDrawManager::Instance()->setColorsEnabled(colors);
     mPainters = paintersOrder(scene);
     for (size_t i = 0; i < scene.sprites.size(); ++i) {
         const tSpriteDef& d = scene.sprites[i];
         if (scene.cels == 0) {
             boost::shared_ptr<CBillboard> b = boost::make_shared<CBillboard>(scene.textures[d.texture].path, true);
             place(*b, d, scene.textures[d.texture]);
+            if (d.tint[3]) {
+                b->setColor(tColor{d.tint[0], d.tint[1], d.tint[2], d.tint[3]});
+                mTinted.push_back(static_cast<int>(mBillboards.size()));
+            }
             if (managed)
                 CDrawManager::Instance()->add(b);
             if (d.moving)
@@ -79,6 +86,8 @@ void ZephrinScene::update(int frame)
     const tVect2 step = {tFixed(stepOf(frame)), ZERO_X};
     for (size_t k = 0; k < mMoving.size(); ++k)
         mBillboards[mMoving[k]]->moveBy(step);
+    for (size_t k = 0; k < mTinted.size(); ++k)
+        mBillboards[mTinted[k]]->alphaTo(alphaOf(mScene.sprites[mTinted[k]], frame));
     for (size_t i = 0; i < mActors.size(); ++i)
         mActors[i]->update(1);
 }
@@ -103,11 +112,15 @@ void ZephrinScene::drawImmediate()
         for (size_t k = 0; k < mPainters.size(); ++k) {
             const int i = mPainters[k];
             const tSpriteDef& d = mScene.sprites[i];
-            if (mScene.textures[d.texture].translucent != (pass == 1))
+            if (blended(mScene, d) != (pass == 1))
                 continue;
             if (mScene.cels == 0) {
                 mBillboards[i]->pushTransform();
+                if (d.tint[3])
+                    mBillboards[i]->applyColor(0);
                 mBillboards[i]->draw(0);
+                if (d.tint[3])
+                    glColor4ub(255, 255, 255, 255);
                 mBillboards[i]->popTransform();
             } else {
                 CActor2D& actor = *mActors[i];

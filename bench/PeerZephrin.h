@@ -20,7 +20,8 @@ namespace PeerScenes {
 class ZephrinScene
 {
 public:
-    ZephrinScene(const tScene& scene, bool managed);
+    /// colors: element colours on for all (always for a scene with tints).
+    ZephrinScene(const tScene& scene, bool managed, bool colors = false);
     ~ZephrinScene();
 
     /// Moves the moving sprites and advances the actors by one cel.
@@ -43,6 +44,7 @@ private:
     std::vector<boost::shared_ptr<CBillboard> > mCelBillboards;
     std::vector<int> mPainters;
     std::vector<int> mMoving;   ///< the billboards that move
+    std::vector<int> mTinted;   ///< the billboards that fade
 };
 
 } // namespace PeerScenes
