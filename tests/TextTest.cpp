@@ -148,19 +148,30 @@ TEST_F(TextTest, OriginSitsOnTheBaseline)
 
 TEST_F(TextTest, ImmediateDrawMatchesBatchedDraw)
 {
-    // White, and tinted and faded with element colours on (the immediate draw applies the colour too).
-    for (tColor color : {tColor{255, 255, 255, 255}, tColor{0, 255, 255, 128}}) {
-        boost::shared_ptr<CText> t = makeText("Ag", 20);
-        t->moveTo(tVect3{tFixed(30), tFixed(25), ZERO_X});
-        t->setColor(color);
-        t->setColorEnabled(color.a < 255);
-        CGraphics2D::Instance()->clearBuffer();
-        t->draw(nullptr);
-        ImageIO::tImage immediate = readFrame();
-        CDrawManager::Instance()->add(t);
+    boost::shared_ptr<CText> t = makeText("Ag", 20);
+    t->moveTo(tVect3{tFixed(30), tFixed(25), ZERO_X});
+    t->setColor(tColor{255, 255, 255, 255});
+    CGraphics2D::Instance()->clearBuffer();
+    t->draw(nullptr);
+    ImageIO::tImage immediate = readFrame();
+    CDrawManager::Instance()->add(t);
+    frame();
+    EXPECT_EQ(ImageIO::compare(immediate, readFrame(), 2).pixelsOver, 0);
+    CDrawManager::Instance()->remove(t);
+
+    // The texture carries colour and alpha: with element colours on, alphaTo fades it as setColor does.
+    ImageIO::tImage faded;
+    for (bool on : {false, true}) {
+        boost::shared_ptr<CText> f = makeText("Ag", 20);
+        f->setColor(tColor{0, 255, 255, on ? uint8_t(255) : uint8_t(128)});
+        CDrawManager::Instance()->add(f);
+        f->setColorEnabled(on);
+        f->alphaTo(128);
         frame();
-        EXPECT_EQ(ImageIO::compare(immediate, readFrame(), 2).pixelsOver, 0) << color;
-        CDrawManager::Instance()->remove(t);
+        if (on)
+            EXPECT_EQ(ImageIO::compare(faded, readFrame(), 2).pixelsOver, 0);
+        faded = readFrame();
+        CDrawManager::Instance()->remove(f);
     }
 }
 

@@ -11,6 +11,7 @@
 #include "ContentCheck.h"
 #include "LoadReport.h"
 
+#include "CDrawManager.h"
 #include "CGraphics2D.h"
 #include <VellOpenGLConfig.h>
 
@@ -39,6 +40,7 @@ struct tOptions
     std::string contactSheet;
     int every = 0;
     bool stats = false;
+    bool noColors = false;
 };
 
 bool usageError(const std::string& message)
@@ -93,6 +95,7 @@ bool parseOptions(int argc, char** argv, tOptions& o, int& status)
               "{\"frame\":i,\"drawCalls\":n,\"uploadBytes\":n,\"cpuMicros\":n}\n"
               "drawCalls and uploadBytes count GL draw calls and bytes\nsent to GL buffers; cpuMicros is the CPU "
               "time of the\nframe before the swap", o.stats);
+    line.flag("--no-colors", "ignore element colours in batched drawing: \"Color\"\ntints and fades only immediate draws", o.noColors);
     line.text("--demo", "NAME", "the demo to draw (default shapes)", o.demoName);
     line.number("--count", "N", "a number for the demo, see below (default: the demo's own)", 0, 1000000, o.demo.count);
     line.text("--contact-sheet", "FILE.png", "also tile every Nth frame, numbered, into one picture", o.contactSheet);
@@ -248,6 +251,7 @@ int run(const tOptions& options, Demo& demo)
         std::fprintf(stderr, "%s: no OpenGL ES context\n", kTool);
         return 1;
     }
+    CDrawManager::Instance()->setColorsEnabled(!options.noColors);
     // A scene that loads with problems still draws (with its fallbacks) but fails the run.
     // What the loaders let pass (a misspelt optional key) counts as well: the checker finds it first.
     SceneOptions sceneFiles = options.sceneFiles;

@@ -34,6 +34,7 @@ struct tOptions
     int height = 240;
     int frames = 0;  // 0: until quit
     std::string screenshot;
+    bool noColors = false;
 };
 
 const char* const kAbout = "Shows a scene file in a window and plays its actors in real time.\n";
@@ -60,6 +61,7 @@ bool parse(int argc, char** argv, tOptions& o, int& status)
                   return std::string();
               }});
     line.number("--frames", "N", "quit after N frames (for scripts and tests)", 1, 100000000, o.frames);
+    line.flag("--no-colors", "ignore element colours in batched drawing: \"Color\"\ntints and fades only immediate draws", o.noColors);
     line.text("--screenshot", "FILE", "write the last frame to FILE.png when quitting", o.screenshot);
     line.operands("scene file", 1, 1, scenes);
     line.epilog(kEpilog);
@@ -192,6 +194,7 @@ int view(const tOptions& o)
     if (!config)
         return 1;
     CGraphics2D* graphics = CGraphics2D::Instance();
+    CDrawManager::Instance()->setColorsEnabled(!o.noColors);
     Tadwick::Vell::CButtons buttons;
     Tadwick::Vell::CFrameClock clock;
 

@@ -222,7 +222,7 @@ void CChunkDrawList<Entry, Chunk>::markDirty(const boost::shared_ptr<CGraphicEle
 template <class Entry, class Chunk>
 tColor CChunkDrawList<Entry, Chunk>::colorOf(const tEntry& e)
 {
-    return e.tinted ? e.element->getColor() : tColor{255, 255, 255, 255};
+    return e.tinted ? e.element->getBatchedColor() : tColor{255, 255, 255, 255};
 }
 
 template <class Entry, class Chunk>
@@ -231,7 +231,7 @@ void CChunkDrawList<Entry, Chunk>::takeColor(tEntry& e)
     bool tinted = false;
     bool cleared = false;
     if (mTexCoords && e.element->drawsColor()) {
-        const tColor c = e.element->getColor();
+        const tColor c = e.element->getBatchedColor();
         tinted = (c.r & c.g & c.b & c.a) != 255;
         cleared = c.a == 0;
     }

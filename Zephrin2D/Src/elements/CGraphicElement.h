@@ -92,6 +92,10 @@ public:
     bool isColorEnabled() const { return mColorEnabled; }
     /// Whether batched drawing applies the colour (enabled here or for all).
     bool drawsColor() const;
+    /// The colour batched drawing multiplies the texels by when it applies
+    /// colours: the element's colour, or white for an element whose texels
+    /// already carry it.
+    virtual tColor getBatchedColor() const { return mColor; }
 
     /// The screen-space rectangle around what the element shows: its
     /// geometry (for an actor, the current cel's) transformed by its current

@@ -200,6 +200,20 @@ void CText::setColor(tColor color)
     changed();
 }
 
+void CText::alphaTo(unsigned char alpha)
+{
+    CGraphicElement::alphaTo(alpha);
+    if (drawsColor())
+        changed();
+}
+
+void CText::alphaBy(tFixed factor)
+{
+    CGraphicElement::alphaBy(factor);
+    if (drawsColor())
+        changed();
+}
+
 void CText::showDebugTextures(bool show)
 {
     mShowDebugTextures = show;

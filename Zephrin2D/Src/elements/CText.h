@@ -42,6 +42,11 @@ public:
     void setAlignment(int alignment);
     /// The text colour follows the element colour.
     void setColor(tColor color) override;
+    /// With element colours on, the alpha is drawn into the texture as the colour is.
+    void alphaTo(unsigned char alpha) override;
+    void alphaBy(tFixed factor) override;
+    /// White: the texture carries the colour and its alpha.
+    tColor getBatchedColor() const override { return tColor{255, 255, 255, 255}; }
     /// Fills the texture's background faintly so that its extent shows.
     void showDebugTextures(bool show);
 
