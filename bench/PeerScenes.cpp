@@ -118,7 +118,7 @@ tScene makeScene(char id, bool pixelCheck)
         const int n = 10000;
         std::vector<int32_t> z = distinctDepths(n, r);
         for (int i = 0; i < n; ++i) {
-            tSpriteDef d;
+            tSpriteDef d = {};
             d.x = 4 + r.below(56);
             d.y = 4 + r.below(56);
             d.z = z[i];
@@ -132,7 +132,7 @@ tScene makeScene(char id, bool pixelCheck)
         for (int t = 0; t < 4; ++t)
             s.textures.push_back(texture("alpha", t, 8, true));
         for (int i = 0; i < 2000; ++i) {
-            tSpriteDef d;
+            tSpriteDef d = {};
             const int depth = r.below(50);
             d.x = 4 + r.below(56);
             d.y = 4 + r.below(56);
@@ -166,7 +166,7 @@ tScene makeScene(char id, bool pixelCheck)
             s.textures.push_back(texture("opaque", t, 8, false));
         std::vector<int32_t> z = distinctDepths(500, r);
         for (int i = 0; i < 500; ++i) {
-            tSpriteDef d;
+            tSpriteDef d = {};
             d.x = 4 + r.below(56);
             d.y = 4 + r.below(56);
             d.z = z[i];
@@ -193,7 +193,7 @@ tScene makeScene(char id, bool pixelCheck)
         // 200 characters and props, 40 of them walking; 20 translucent effects, all moving.
         std::vector<int32_t> z = distinctDepths(220, r);
         for (int i = 0; i < 220; ++i) {
-            tSpriteDef d;
+            tSpriteDef d = {};
             d.x = 8 + r.below(304);
             d.y = 8 + r.below(224);
             d.z = i < 200 ? z[i] / 2 : 6 * 65536 + i * 256;
