@@ -47,6 +47,7 @@ TEST_F(ImportTest, MapDrawsItsTilesLayerByLayer)
         CDrawManager::Instance()->add(e);
     ASSERT_EQ(loader.getActors().size(), 1u);
     CActor2D* water = static_cast<CActor2D*>(loader.getActors()[0].get());
+    EXPECT_TRUE(loader.find("ground") && loader.find("top") && !loader.find("nothing")) << "layers by name";
 
     GLRecorder::resetCounters();
     frame();
