@@ -68,7 +68,7 @@ demo: configure
 # is regenerated from them.
 COUNT_FRAMES ?= 2
 COUNT_RUNS ?= 2
-COUNT_WAYS ?= zephrin2d,floor,immediate,sdl2
+COUNT_WAYS ?= zephrin2d,floor,immediate,sdl2,colors
 bench:
 	@./scripts/install-deps.sh --bench
 	@cmake -S . -B $(BUILD)-bench -DCMAKE_BUILD_TYPE=Release -DZEPHRIN2D_BUILD_BENCH=ON -DZEPHRIN2D_BUILD_TESTS=OFF $(CMAKE_FLAGS) >/dev/null

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Counts the instructions of the benchmark frames with callgrind.
 
-Usage: count_instructions.py FRAMECOUNT_PROGRAM OUT.json [--frames N] [--runs R] [--jobs J] [--scenes abcdef]
+Usage: count_instructions.py FRAMECOUNT_PROGRAM OUT.json [--frames N] [--runs R] [--jobs J] [--scenes abcdefg]
 
 For every scene and way, runs the program under callgrind R times (only the
 frame region collected) and records instructions per frame, split by object
@@ -109,7 +109,7 @@ def main():
     ap.add_argument("--frames", type=int, default=4)
     ap.add_argument("--runs", type=int, default=2)
     ap.add_argument("--jobs", type=int, default=2)
-    ap.add_argument("--scenes", default="abcdef")
+    ap.add_argument("--scenes", default="abcdefg")
     ap.add_argument("--ways", default=",".join(WAYS))
     args = ap.parse_args()
     jobs = [(s, w, r) for r in range(args.runs) for s in args.scenes for w in args.ways.split(",")]
