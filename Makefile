@@ -30,7 +30,12 @@ MUTATION_BUILD ?= build-mutation
 SEED ?= 16
 MUTANTS ?= 200
 
-.PHONY: all deps deps-reliability configure build test demo bench clean test-sanitize fuzz leak-check soak coverage mutation
+# Cross builds for ARM (docs/porting.md): ARCH=armhf or arm64, built in
+# build-ARCH/ against build-sysroot-ARCH/, tested under qemu-user. The host
+# build comes first: the cross suite compares datasets with its tools.
+ARCH ?= armhf
+
+.PHONY: all deps deps-reliability configure build test demo bench clean test-sanitize fuzz leak-check soak coverage mutation cross test-cross
 
 all: build
 
@@ -61,6 +66,15 @@ demo: configure
 	@$(IMPORT) examples/imported/knight.json -o $(DEMO_OUT)/imported >/dev/null
 	@$(IMPORTED) $(DEMO_OUT)/imported/ 60 $(DEMO_OUT)/imported.png >/dev/null 2>&1
 	@echo "Imported Tiled map and Aseprite actor drawn to $(DEMO_OUT)/imported.png"
+
+cross: build
+	@./scripts/install-deps.sh --cross $(ARCH)
+	@./scripts/make-sysroot.sh $(ARCH)
+	@cmake --preset $(ARCH) -DZEPHRIN2D_HOST_BUILD_DIR=$(abspath $(BUILD)) $(CMAKE_FLAGS) >/dev/null
+	@cmake --build build-$(ARCH) -j$(JOBS)
+
+test-cross: cross
+	@cd build-$(ARCH) && ctest --output-on-failure -j$(JOBS)
 
 # Benchmarks against the driver's floor and SDL2: CPU time and memory with
 # Google Benchmark, instruction counts with callgrind (COUNT_RUNS runs of
@@ -122,4 +136,4 @@ mutation: deps
 	  $(if $(REPLAY),--replay $(REPLAY))
 
 clean:
-	rm -rf $(BUILD) $(BUILD)-bench $(SANITIZE_BUILD) $(FUZZ_BUILD) $(COVERAGE_BUILD) $(MUTATION_BUILD)
+	rm -rf $(BUILD) build-armhf build-arm64 $(BUILD)-bench $(SANITIZE_BUILD) $(FUZZ_BUILD) $(COVERAGE_BUILD) $(MUTATION_BUILD)

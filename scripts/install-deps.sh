@@ -31,6 +31,9 @@ BENCH_PACKAGES="$BENCH_PACKAGES valgrind"
 PACKAGES="$PACKAGES locales"
 # make mutation is a python3 script.
 PACKAGES="$PACKAGES python3"
+# With --cross ARCH (armhf or arm64) also the cross compilers, qemu-user to
+# run what they build, and mmdebstrap for the target's sysroot.
+[ "$1" = "--cross" ] && PACKAGES="$PACKAGES qemu-user mmdebstrap crossbuild-essential-${2:-armhf}"
 # With --coverage also gcovr, for the line and branch coverage report.
 [ "$1" = "--coverage" ] && PACKAGES="$PACKAGES gcovr"
 missing=""

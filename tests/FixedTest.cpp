@@ -83,10 +83,10 @@ TEST(Fixed, SineTableIsRoundedQuarterDegrees)
 TEST(Fixed, SqrtIsFloorOfTrueRoot)
 {
     for (uint32_t v : {0u, 1u, 2u, 3u, 0xFFFFu, 0x10000u, 0x12345u, 0x20000u, 0x40000u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
-        const unsigned __int128 n = static_cast<unsigned __int128>(v) << 16;
+        const uint64_t n = static_cast<uint64_t>(v) << 16;  // below 2^48: r * r fits
         uint64_t r = static_cast<uint64_t>(std::sqrt(static_cast<long double>(v) * 65536.0L));
-        while (static_cast<unsigned __int128>(r) * r > n) --r;
-        while (static_cast<unsigned __int128>(r + 1) * (r + 1) <= n) ++r;
+        while (r * r > n) --r;
+        while ((r + 1) * (r + 1) <= n) ++r;
         EXPECT_EQ(static_cast<uint32_t>(sqrt(raw(static_cast<int32_t>(v))).raw()), r) << std::hex << v;
     }
 }

@@ -63,7 +63,7 @@ TEST(ShapeChecks, OutOfRangeIndexIsReportedAndHarmless)
 // A missing array stops the program after the report, so these run in a child process.
 TEST(ShapeDeathTest, MissingArrayStopsAfterTheReport)
 {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    GTEST_FLAG_SET(death_test_style, Z2D_DEATH_TEST_STYLE);
     struct {
         const char* message;
         std::function<void()> call;

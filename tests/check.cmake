@@ -1,8 +1,11 @@
 # zephrin2d-check: the mistakes table of docs/check.md, and the examples clean.
+z2d_program(check zephrin2d-check)
+z2d_program(render zephrin2d-render)
+z2d_program(dset zephrin2d-dset)
 find_package(Python3 COMPONENTS Interpreter)
 if(Python3_Interpreter_FOUND)
   add_test(NAME check-table
-    COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/check_table.py $<TARGET_FILE:zephrin2d-check>
+    COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/check_table.py ${check}
       ${PROJECT_SOURCE_DIR}/docs/check.md ${CMAKE_CURRENT_SOURCE_DIR}/data/check)
   set_tests_properties(check-table PROPERTIES LABELS tools)
 endif()
@@ -25,7 +28,7 @@ foreach(run ${check_runs})
   endif()
   add_test(NAME check-examples-${dir}
     COMMAND sh -c "out=$(\"$0\" \"$@\"); s=$?; echo \"$out\"; [ $s -eq 0 ] && [ $(echo \"$out\" | wc -l) -eq 1 ] && echo \"$out\" | grep -q ', 0 errors, 0 warnings$'"
-      $<TARGET_FILE:zephrin2d-check> ${options} ${files}
+      ${check} ${options} ${files}
     WORKING_DIRECTORY ${PROJECT_SOURCE_DIR})
   set_tests_properties(check-examples-${dir} PROPERTIES LABELS tools)
 endforeach()
@@ -45,7 +48,7 @@ foreach(case "render-missing.json:" "postion.json:" "sheet-names.json:--sheet sh
   endif()
   add_test(NAME render-loud-${scene}
     COMMAND sh -c "out=\"$1\"; shift; \"$0\" \"$@\" --frames 1 > \"$out\" 2>&1; s=$?; cat \"$out\"; ${expect}"
-      $<TARGET_FILE:zephrin2d-render> ${CMAKE_CURRENT_BINARY_DIR}/render-loud-${scene}.txt ${options} ${scene}
+      ${render} ${CMAKE_CURRENT_BINARY_DIR}/render-loud-${scene}.txt ${options} ${scene}
     WORKING_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR}/data/check)
   set_tests_properties(render-loud-${scene} PROPERTIES LABELS tools ENVIRONMENT ZEPHRIN2D_DEBUG_LEVEL=1)
 endforeach()
@@ -53,8 +56,8 @@ endforeach()
 # check, dset and render agree on every file of the broken-content corpus.
 if(Python3_Interpreter_FOUND)
   add_test(NAME tools-agree
-    COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/agreement.py $<TARGET_FILE:zephrin2d-check>
-      $<TARGET_FILE:zephrin2d-dset> $<TARGET_FILE:zephrin2d-render> ${CMAKE_CURRENT_SOURCE_DIR}/data
+    COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/agreement.py ${check}
+      ${dset} ${render} ${CMAKE_CURRENT_SOURCE_DIR}/data
       ${CMAKE_CURRENT_BINARY_DIR}/agree)
   set_tests_properties(tools-agree PROPERTIES LABELS tools)
 endif()

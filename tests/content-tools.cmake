@@ -1,4 +1,5 @@
 # The tools on the example content.
+z2d_program(dump zephrin2d-dump)
 
 # zephrin2d-dump prints the documents the expected files hold.
 foreach(pair "hero.json:hero-actor.xml" "kid-costume.json:kid-costume.xml")
@@ -6,7 +7,7 @@ foreach(pair "hero.json:hero-actor.xml" "kid-costume.json:kid-costume.xml")
   list(GET pair 0 input)
   list(GET pair 1 expected)
   add_test(NAME dump-${expected}
-    COMMAND ${CMAKE_COMMAND} -DTOOL=$<TARGET_FILE:zephrin2d-dump> -DFILE=examples/demo/${input}
+    COMMAND ${CMAKE_COMMAND} -DTOOL=${dump} -DFILE=examples/demo/${input}
       -DWORKDIR=${PROJECT_SOURCE_DIR} -DEXPECTED=${CMAKE_CURRENT_SOURCE_DIR}/data/expected/${expected}
       -P ${CMAKE_CURRENT_SOURCE_DIR}/support/CompareOutput.cmake)
   set_tests_properties(dump-${expected} PROPERTIES LABELS tools)

@@ -1,6 +1,5 @@
 # The demo program (examples/demo), built with the tests and run once: it
 # must load its content and write a frame.
-add_subdirectory(${PROJECT_SOURCE_DIR}/examples/demo ${CMAKE_BINARY_DIR}/examples/demo)
 target_include_directories(Zephrin2DTests PRIVATE ${PROJECT_SOURCE_DIR}/examples/demo)
 
 add_test(NAME demo-example-runs

@@ -3,16 +3,20 @@
 set(import_data ${CMAKE_CURRENT_SOURCE_DIR}/data/import)
 set(import_out ${CMAKE_CURRENT_BINARY_DIR}/import)
 find_program(TILED_PROGRAM tiled)
+z2d_program(import zephrin2d-import)
+if(TARGET zephrin2d-check)
+  z2d_program(check zephrin2d-check)
+endif()
 set(import_check)
 if(TARGET zephrin2d-check)
-  set(import_check -DCHECK=$<TARGET_FILE:zephrin2d-check>)
+  set(import_check -DCHECK=${check})
 endif()
 add_test(NAME import-tmx-and-tiled-json
-  COMMAND ${CMAKE_COMMAND} -DTOOL=$<TARGET_FILE:zephrin2d-import> -DTILED=${TILED_PROGRAM} ${import_check}
+  COMMAND ${CMAKE_COMMAND} -DTOOL=${import} -DTILED=${TILED_PROGRAM} ${import_check}
     -DFIRST=${import_data}/map.tmx -DNAME=map -DEXPORT_TO=${import_out}/map-exported.json
     -DWORKDIR=${import_out}/out/map -P ${CMAKE_CURRENT_SOURCE_DIR}/support/ImportSame.cmake)
 add_test(NAME import-aseprite-hash-and-array
-  COMMAND ${CMAKE_COMMAND} -DTOOL=$<TARGET_FILE:zephrin2d-import> ${import_check}
+  COMMAND ${CMAKE_COMMAND} -DTOOL=${import} ${import_check}
     -DFIRST=${import_data}/hero-hash.json -DSECOND=${import_data}/hero-array.json -DNAME=hero
     -DWORKDIR=${import_out}/out/hero -P ${CMAKE_CURRENT_SOURCE_DIR}/support/ImportSame.cmake)
 set_tests_properties(import-tmx-and-tiled-json import-aseprite-hash-and-array PROPERTIES LABELS tools
@@ -67,13 +71,12 @@ foreach(c ${cases})
   endif()
   file(WRITE ${bad}/${name} "${text}")
   add_test(NAME import-refuses-${name}
-    COMMAND ${CMAKE_COMMAND} -DTOOL=$<TARGET_FILE:zephrin2d-import> -DINPUT=${bad}/${name} -DOUT=${bad}/out-${name}
+    COMMAND ${CMAKE_COMMAND} -DTOOL=${import} -DINPUT=${bad}/${name} -DOUT=${bad}/out-${name}
       "-DEXPECT=${message}" -P ${CMAKE_CURRENT_SOURCE_DIR}/support/ImportRefused.cmake)
   set_tests_properties(import-refuses-${name} PROPERTIES LABELS tools)
 endforeach()
 
 # The imported example: both imports, then the program that draws them.
-add_subdirectory(${PROJECT_SOURCE_DIR}/examples/imported ${CMAKE_BINARY_DIR}/examples/imported)
 foreach(input meadow.tmx knight.json)
   add_test(NAME import-example-${input}
     COMMAND zephrin2d-import ${PROJECT_SOURCE_DIR}/examples/imported/${input} -o ${import_out}/out/example)

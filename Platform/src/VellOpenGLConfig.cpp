@@ -4,8 +4,10 @@
 
 #include <EGL/eglext.h>
 #include <GLES/gl.h>
+#if ZEPHRIN2D_X11
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
+#endif
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -103,6 +105,7 @@ bool VellOpenGLConfig::initSurfaceless()
     return eglMakeCurrent(eglDisplay, eglSurface, eglSurface, eglContext);
 }
 
+#if ZEPHRIN2D_X11
 bool VellOpenGLConfig::initWindow()
 {
     Display* dpy = XOpenDisplay(0);
@@ -148,6 +151,14 @@ bool VellOpenGLConfig::initWindow()
         return false;
     return eglMakeCurrent(eglDisplay, eglSurface, eglSurface, eglContext);
 }
+#else
+// Built for a device without X11: it presents through EGL on its own display.
+bool VellOpenGLConfig::initWindow()
+{
+    debug().DebugOut(1, "VellOpenGLConfig: this build has no X11 window support\n");
+    return false;
+}
+#endif
 
 VellOpenGLConfig::~VellOpenGLConfig()
 {
@@ -159,22 +170,26 @@ VellOpenGLConfig::~VellOpenGLConfig()
             eglDestroySurface(eglDisplay, eglSurface);
         eglTerminate(eglDisplay);
     }
+#if ZEPHRIN2D_X11
     if (mX11Display) {
         Display* dpy = static_cast<Display*>(mX11Display);
         if (mWindow)
             XDestroyWindow(dpy, mWindow);
         XCloseDisplay(dpy);
     }
+#endif
     if (current() == this)
         current() = 0;
 }
 
 void VellOpenGLConfig::setWindowTitle(const char* title)
 {
+#if ZEPHRIN2D_X11
     if (mX11Display && mWindow) {
         XStoreName(static_cast<Display*>(mX11Display), mWindow, title);
         XFlush(static_cast<Display*>(mX11Display));
     }
+#endif
 }
 
 void VellOpenGLConfig::SetSurfaceSize(int width, int height)
