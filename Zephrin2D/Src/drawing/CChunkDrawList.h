@@ -102,7 +102,8 @@ public:
     {
         return static_cast<bool>(find(element, chunk));
     }
-    tRecolor recolor(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) override;
+    tRecolor recolor(const boost::shared_ptr<CGraphicElement>& element,
+                     const boost::shared_ptr<CDrawChunk>& chunk) override;
     void recolorAll(tPairs& misplaced) override;
 
     uint32_t getTextureId() const { return mTextureId; }

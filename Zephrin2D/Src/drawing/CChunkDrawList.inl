@@ -250,8 +250,8 @@ void CChunkDrawList<Entry, Chunk>::takeColor(tEntry& e)
 }
 
 template <class Entry, class Chunk>
-CDrawList::tRecolor CChunkDrawList<Entry, Chunk>::recolor(boost::shared_ptr<CGraphicElement> element,
-                                                           boost::shared_ptr<CDrawChunk> chunk)
+CDrawList::tRecolor CChunkDrawList<Entry, Chunk>::recolor(const boost::shared_ptr<CGraphicElement>& element,
+                                                           const boost::shared_ptr<CDrawChunk>& chunk)
 {
     tEntry* const entry = find(element, chunk);
     if (!entry)

@@ -50,7 +50,10 @@ public:
     /// The element's colour changed: takes it at the next draw, or answers
     /// MISPLACED when the pair now belongs in a list of the other kind
     /// (opaque or translucent), which the caller then moves it to.
-    virtual tRecolor recolor(boost::shared_ptr<CGraphicElement>, boost::shared_ptr<CDrawChunk>) { return RECOLORED; }
+    virtual tRecolor recolor(const boost::shared_ptr<CGraphicElement>&, const boost::shared_ptr<CDrawChunk>&)
+    {
+        return RECOLORED;
+    }
     /// Element colours were turned on or off for all: every entry takes its
     /// colour again; the pairs that belong in a list of the other kind are added to misplaced.
     virtual void recolorAll(tPairs& /*misplaced*/) {}

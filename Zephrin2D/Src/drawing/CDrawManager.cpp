@@ -121,7 +121,8 @@ void CDrawManager::setColorsEnabled(bool enabled)
     }
 }
 
-void CDrawManager::recolor(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk)
+void CDrawManager::recolor(const boost::shared_ptr<CGraphicElement>& element,
+                           const boost::shared_ptr<CDrawChunk>& chunk)
 {
     if (!element || !chunk)
         return;

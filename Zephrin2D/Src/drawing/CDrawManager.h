@@ -50,7 +50,7 @@ public:
     /// The element's colour changed: the list holding the pair takes it at
     /// the next frame, or the pair moves to a list of the other kind when
     /// the element turns translucent or opaque.
-    void recolor(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk);
+    void recolor(const boost::shared_ptr<CGraphicElement>& element, const boost::shared_ptr<CDrawChunk>& chunk);
 
     void drawAll();
     /// Removes empty lists and makes the others re-create their buffers at exact size.
