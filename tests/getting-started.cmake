@@ -44,5 +44,5 @@ if(ZEPHRIN2D_WITH_X11)
   add_test(NAME getting-started-08-play-keys
     COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/play_keys_test.sh ${program} ${gs_source}/art
       ${xwin} ${CMAKE_CURRENT_BINARY_DIR}/getting-started/08-play-keys)
-  set_tests_properties(getting-started-08-play-keys PROPERTIES LABELS examples SKIP_RETURN_CODE 77 TIMEOUT 60)
+  set_tests_properties(getting-started-08-play-keys PROPERTIES LABELS examples SKIP_RETURN_CODE 77 TIMEOUT 120)
 endif()

@@ -15,13 +15,13 @@ fail() { echo "play keys: $*"; cat "$OUT/play.log" 2>/dev/null; exit 1; }
 game=$!
 i=0
 until "$XWIN" Zephrin2D title >/dev/null 2>&1; do
-    sleep 0.1; i=$((i + 1)); [ $i -lt 100 ] || fail "no window"
+    sleep 0.1; i=$((i + 1)); [ $i -lt 300 ] || fail "no window"
 done
 "$XWIN" Zephrin2D key Right
 sleep 1.5
 "$XWIN" Zephrin2D key Escape
 i=0
-while kill -0 $game 2>/dev/null && [ $i -lt 50 ]; do sleep 0.1; i=$((i + 1)); done
+while kill -0 $game 2>/dev/null && [ $i -lt 300 ]; do sleep 0.1; i=$((i + 1)); done
 kill -0 $game 2>/dev/null && fail "Escape did not quit"
 wait $game || fail "the program exited with $?"
 game=""

@@ -13,10 +13,10 @@ trap 'kill $xvfb $viewer 2>/dev/null' EXIT
 start_xvfb "$OUT"
 
 fail() { echo "viewer keys: $*"; exit 1; }
-# Waits up to 10 s for the window title to match (or, with !, not to match) a pattern.
+# Waits up to 30 s for the window title to match (or, with !, not to match) a pattern.
 wait_title() {
     i=0
-    while [ $i -lt 100 ]; do
+    while [ $i -lt 300 ]; do
         title=$("$XWIN" scene.json title 2>/dev/null) && case "$title" in $1) return 0;; esac
         sleep 0.1; i=$((i + 1))
     done
@@ -24,10 +24,10 @@ wait_title() {
 }
 dump() { xwd -root -silent >"$OUT/$1.xwd" || fail "xwd failed"; }
 same() { "$DIFF" "$OUT/$1" "$OUT/$2" 2 0 >/dev/null || fail "$3"; }
-# Dumps the screen until it shows the reference, for up to 10 s.
+# Dumps the screen until it shows the reference, for up to 30 s.
 shows() {
     i=0
-    while [ $i -lt 20 ]; do
+    while [ $i -lt 60 ]; do
         dump "$1"
         "$DIFF" "$OUT/$1.xwd" "$OUT/$2" 2 0 >/dev/null && return 0
         sleep 0.5; i=$((i + 1))
@@ -65,7 +65,7 @@ shows reloaded edited.png "Select (Backspace) did not reload the edited scene"
 
 "$XWIN" scene.json key Escape
 i=0
-while kill -0 $viewer 2>/dev/null && [ $i -lt 50 ]; do sleep 0.1; i=$((i + 1)); done
+while kill -0 $viewer 2>/dev/null && [ $i -lt 300 ]; do sleep 0.1; i=$((i + 1)); done
 kill -0 $viewer 2>/dev/null && fail "Escape did not quit"
 wait $viewer || fail "the viewer exited with $?"
 viewer="" xvfb=""

@@ -8,7 +8,7 @@ start_xvfb() {
     Xvfb -displayfd 3 -screen 0 640x480x24 -nolisten tcp 3>"$1/display" >"$1/xvfb.log" 2>&1 &
     xvfb=$!
     i=0
-    while [ ! -s "$1/display" ] && [ $i -lt 100 ]; do sleep 0.1; i=$((i + 1)); done
+    while [ ! -s "$1/display" ] && [ $i -lt 300 ]; do sleep 0.1; i=$((i + 1)); done
     [ -s "$1/display" ] || { echo "Xvfb did not start"; cat "$1/xvfb.log"; exit 77; }
     export DISPLAY=":$(head -n 1 "$1/display")"
 }
