@@ -71,10 +71,6 @@ void* mapLow(size_t bytes)
 {
 #if defined(__x86_64__)
     void* p = mmap(0, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_32BIT, -1, 0);
-#else
-    void* p = mmap(reinterpret_cast<void*>(uintptr_t(0x10000000)), bytes, PROT_READ | PROT_WRITE,
-                   MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-#endif
     if (p == MAP_FAILED)
         return 0;
     if (uint64_t(uintptr_t(p)) + bytes > kBelow4GiB) {
@@ -82,6 +78,22 @@ void* mapLow(size_t bytes)
         return 0;
     }
     return p;
+#else
+    // Nothing asks this kernel for low memory but a hint, and a hint already
+    // taken (by the dataset loaded before) is placed anywhere: walk the hints
+    // up through the low 4 GiB until one lands there.
+    const uint64_t step = (uint64_t(bytes) + 0xFFFFF) & ~uint64_t(0xFFFFF);
+    for (uint64_t at = 0x10000000; at + bytes <= kBelow4GiB; at += step) {
+        void* p = mmap(reinterpret_cast<void*>(uintptr_t(at)), bytes, PROT_READ | PROT_WRITE,
+                       MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        if (p == MAP_FAILED)
+            return 0;
+        if (uint64_t(uintptr_t(p)) + bytes <= kBelow4GiB)
+            return p;
+        munmap(p, bytes);
+    }
+    return 0;
+#endif
 }
 
 } // namespace
