@@ -25,11 +25,13 @@ int usage(FILE* out, int status)
     return status;
 }
 
+/// The loaded content is released after the count stops: only loading is counted.
 size_t load(bool actor, bool dataset, const tLoadFiles& f)
 {
     if (actor) {
+        boost::shared_ptr<CActor2D> a;
         CALLGRIND_START_INSTRUMENTATION;
-        boost::shared_ptr<CActor2D> a = boost::make_shared<CActor2D>();
+        a = boost::make_shared<CActor2D>();
         if (dataset)
             a->loadDset(f.actorDset.c_str(), 0, 0);
         else
@@ -37,17 +39,17 @@ size_t load(bool actor, bool dataset, const tLoadFiles& f)
         CALLGRIND_STOP_INSTRUMENTATION;
         return a->getCelCount();
     }
+    std::vector<boost::shared_ptr<CGraphicElement> > elements;
+    CSceneLoaderJson loader;
     CALLGRIND_START_INSTRUMENTATION;
-    size_t elements;
     if (dataset) {
-        elements = loadSceneDset(f.sceneDset).size();
+        elements = loadSceneDset(f.sceneDset);
     } else {
-        CSceneLoaderJson loader;
         loader.setDefaultPath(defaultPath());
-        elements = loader.parseJsonFile(f.scene.c_str()).size();
+        elements = loader.parseJsonFile(f.scene.c_str());
     }
     CALLGRIND_STOP_INSTRUMENTATION;
-    return elements;
+    return elements.size();
 }
 
 } // namespace

@@ -112,6 +112,15 @@ bool CSceneLoaderDset::celArrays(const tDsetSpriteCel* record, const tDsetBillbo
     return inside;
 }
 
+boost::shared_ptr<CTexture> CSceneLoaderDset::fileTexture(uint32_t url)
+{
+    boost::shared_ptr<CTexture>& texture = mTextures[url];
+    const char* name = texture ? 0 : string(url);
+    if (name)
+        texture = CTextureManager::Instance()->load(mDefaultPath + name, true, false, false);
+    return texture;
+}
+
 void CSceneLoaderDset::loadBillboardTexture(CBillboard* billboard, uint32_t url)
 {
     const char* name = string(url);
@@ -119,9 +128,15 @@ void CSceneLoaderDset::loadBillboardTexture(CBillboard* billboard, uint32_t url)
         BaseUtils::Assert(false, kFile, __LINE__, "CSceneLoaderDset::parseBillboard image name outside the dataset");
         return;
     }
-    bool loaded = mTextureSheet && billboard->loadTexture(name, mTextureSheet);
-    if (!loaded)
-        loaded = billboard->loadTexture(mDefaultPath + name, 0);
+    if (mTextureSheet && billboard->loadTexture(name, mTextureSheet))
+        return;
+    // The same as loadTexture without a sheet, but the name is looked up once per dataset.
+    const boost::shared_ptr<CTexture> texture = fileTexture(url);
+    if (texture) {
+        billboard->setTexture(texture);
+        return;
+    }
+    const bool loaded = billboard->loadTexture(mDefaultPath + name, 0);
     BaseUtils::Assert(loaded, kFile, __LINE__, "CSceneLoaderDset::parseBillboard texture %s did not load",
                       (mDefaultPath + name).c_str());
 }
@@ -198,14 +213,9 @@ boost::shared_ptr<CDrawChunk> CSceneLoaderDset::directBillboardChunk(const tDset
     // Pictures of a texture sheet and failed loads take the billboard's own path (with its messages).
     if (mTextureSheet)
         return boost::shared_ptr<CDrawChunk>();
-    boost::shared_ptr<CTexture>& texture = mTextures[record->url];
-    if (!texture) {
-        const char* name = string(record->url);
-        if (name)
-            texture = CTextureManager::Instance()->load(mDefaultPath + name, true, false, false);
-        if (!texture)
-            return boost::shared_ptr<CDrawChunk>();
-    }
+    const boost::shared_ptr<CTexture> texture = fileTexture(record->url);
+    if (!texture)
+        return boost::shared_ptr<CDrawChunk>();
     // The quad a billboard makes of a whole texture, placed by the record's transform.
     boost::shared_ptr<CTexturedChunk> chunk(new CTexturedChunk(4, 6));
     static const uint16_t kIndices[6] = {0, 1, 2, 2, 1, 3};

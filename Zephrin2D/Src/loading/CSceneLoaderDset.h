@@ -84,6 +84,9 @@ private:
     bool celArrays(const tDsetSpriteCel* record, const tDsetBillboard*& billboards, const tDsetAvatarPiece*& pieces,
                    const tDsetOperation*& operations) const;
     void loadBillboardTexture(CBillboard* billboard, uint32_t url);
+    /// The image file default path + the name at url, loaded once per name
+    /// (a dataset stores each once); null when it does not load.
+    boost::shared_ptr<CTexture> fileTexture(uint32_t url);
     /// The chunk of a billboard showing a whole texture file, made without the
     /// billboard; null when the billboard's own path must run.
     boost::shared_ptr<CDrawChunk> directBillboardChunk(const tDsetBillboard* record);
