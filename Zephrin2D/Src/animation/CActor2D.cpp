@@ -10,6 +10,7 @@
 
 #include <Dataset.h>
 #include <QJN.h>
+#include <algorithm>
 #include <cstring>
 
 #include <BaseUtils.h>
@@ -426,7 +427,14 @@ void CActor2D::appendFrameStart(tActor2DFrameStruct& frame, Glib::ustring const&
         mLastAppendedAnimation->second.endOffset = mLastAppendedAnimation->second.startOffset;
 }
 
-bool CActor2D::appendCel(const tActor2DFrameStruct& frame)
+void CActor2D::appendLoadedFrame(tActor2DFrameStruct& frame, const char* label)
+{
+    const bool started = label && startAnimation(label);
+    if (appendCel(std::move(frame)) && started)
+        mLastAppendedAnimation->second.endOffset = mLastAppendedAnimation->second.startOffset;
+}
+
+bool CActor2D::appendCel(tActor2DFrameStruct frame)
 {
     if (mCels.size() >= MAX_CELS) {
         BaseUtils::Assert(false, SOURCE, __LINE__, "CActor2D::appendFrame an actor holds at most %d cels\n",
@@ -435,7 +443,7 @@ bool CActor2D::appendCel(const tActor2DFrameStruct& frame)
     }
     if (!mCels.empty() && mLastAppendedAnimation != mAnimationMap.end())
         ++mLastAppendedAnimation->second.endOffset;
-    mCels.push_back(frame);
+    mCels.push_back(std::move(frame));
     return true;
 }
 
@@ -656,16 +664,14 @@ bool CActor2D::loadDset(Glib::ustring path, AvatarCostume* costume, CTextureShee
         return false;
     }
     loader.parseGraphicElementPortion(&root->element, this);
+    // The cel count fits the dataset (checked above), so this reserves at most a few times its size.
+    mCels.reserve(mCels.size() + std::min<uint32_t>(root->celCount, MAX_CELS));
     for (uint32_t i = 0; i < root->celCount; ++i) {
         tActor2DFrameStruct frame;
         frame.duration = 0;
         if (!loader.parseSpriteCel(&cels[i], frame.duration, frame.exitOperations, frame.enterOperations, frame.chunks))
             return false;
-        const char* label = cels[i].label ? loader.getReader()->string(cels[i].label) : 0;
-        if (label)
-            appendFrameStart(frame, label);
-        else
-            appendFrame(frame);
+        appendLoadedFrame(frame, cels[i].label ? loader.getReader()->string(cels[i].label) : 0);
     }
     return true;
 }

@@ -159,7 +159,9 @@ private:
     void showCel(unsigned int cel);
     void showAnimation(tAnimationMap::iterator it);
     bool startAnimation(Glib::ustring const& label);
-    bool appendCel(const tActor2DFrameStruct& frame);
+    bool appendCel(tActor2DFrameStruct frame);
+    /// appendFrameStart with a label, else appendFrame, moving frame's lists in.
+    void appendLoadedFrame(tActor2DFrameStruct& frame, const char* label);
     static bool frameFromCel(boost::shared_ptr<CSpriteCel> cel, tActor2DFrameStruct& frame);
     static void widen(tRect2& box, const tVect3& p);
     tAnimationMap::iterator repoint(const CActor2D& other, tAnimationMap::const_iterator it);

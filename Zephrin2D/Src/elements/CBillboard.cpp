@@ -96,6 +96,9 @@ boost::shared_ptr<CTexturedChunk> CBillboard::beginChange(bool& registered)
 {
     boost::shared_ptr<CTexturedChunk> current = quad();
     registered = mDrawManaged;
+    // Held only here and by the billboard: nobody can see the change, so no copy is needed.
+    if (!registered && current.use_count() == 2)
+        return current;
     if (registered)
         CDrawManager::Instance()->remove(shared_from_this(), current);
     boost::shared_ptr<CTexturedChunk> copy = boost::make_shared<CTexturedChunk>(*current);

@@ -17,8 +17,9 @@ class CTextureSheet;
 /// right, c2 bottom left, c3 bottom right) and two triangles, batched by the
 /// draw manager with every other quad of its texture. A whole W x H texture
 /// spans (0, 0)-(W, H) with its bottom-left corner on the element's origin.
-/// Every change is copy-on-write: a chunk already handed to a draw list is
-/// never modified; the billboard swaps in a changed copy and re-registers it.
+/// Every change is copy-on-write: a chunk already handed to a draw list (or
+/// held anywhere else) is never modified; the billboard swaps in a changed
+/// copy and re-registers it. A chunk only the billboard holds changes in place.
 class CBillboard : public CGraphicElement
 {
 public:
