@@ -1,11 +1,11 @@
 #include "Dataset.h"
 #include "DebugMPI.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <memory>
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -38,8 +38,19 @@ void fail(const char* format, const char* path, unsigned a = 0, unsigned b = 0)
     Tadwick::Vell::CDebugMPI().DebugOut(1, full.c_str(), path, a, b);
 }
 
+/// A file's bytes; not zeroed first, as every one of them is read over.
+struct tFileBytes
+{
+    std::unique_ptr<uint8_t[]> bytes;
+    size_t length = 0;
+
+    size_t size() const { return length; }
+    const uint8_t& operator[](size_t i) const { return bytes[i]; }
+    const uint8_t* data() const { return bytes.get(); }
+};
+
 // Reads a whole file; false when it cannot be read, with tooLarge set when it is over the limit.
-bool readFile(const char* path, std::vector<uint8_t>& bytes, bool& tooLarge)
+bool readFile(const char* path, tFileBytes& file, bool& tooLarge)
 {
     tooLarge = false;
     int fd = open(path, O_RDONLY | O_CLOEXEC);
@@ -51,10 +62,11 @@ bool readFile(const char* path, std::vector<uint8_t>& bytes, bool& tooLarge)
         close(fd);
         return false;
     }
-    bytes.resize(size_t(info.st_size));
+    const size_t wanted = size_t(info.st_size);
+    file.bytes.reset(new uint8_t[wanted]);
     size_t done = 0;
-    while (done < bytes.size()) {
-        ssize_t n = read(fd, bytes.data() + done, bytes.size() - done);
+    while (done < wanted) {
+        ssize_t n = read(fd, file.bytes.get() + done, wanted - done);
         if (n < 0 && errno == EINTR)
             continue;
         if (n <= 0)
@@ -62,8 +74,8 @@ bool readFile(const char* path, std::vector<uint8_t>& bytes, bool& tooLarge)
         done += size_t(n);
     }
     close(fd);
-    bytes.resize(done);
-    return done == size_t(info.st_size);
+    file.length = done;
+    return done == wanted;
 }
 
 // Anonymous memory whose every byte has an address below 4 GiB, or null.
@@ -133,7 +145,7 @@ boost::shared_ptr<CDataset> LoadDatasetOrThrow(const char* path, const char* rel
         fail("no dataset or relink path given", "(null)");
         return none;
     }
-    std::vector<uint8_t> file;
+    tFileBytes file;
     bool tooLarge = false;
     if (!readFile(path, file, tooLarge)) {
         if (tooLarge)
@@ -162,7 +174,7 @@ boost::shared_ptr<CDataset> LoadDatasetOrThrow(const char* path, const char* rel
         return none;
     }
 
-    std::vector<uint8_t> relinkBytes;
+    tFileBytes relinkBytes;
     if (!readFile(relinkPath, relinkBytes, tooLarge)) {
         if (tooLarge)
             fail("larger than the %u MiB a relink file may hold", relinkPath, kMaxDatasetMiB);
@@ -178,6 +190,8 @@ boost::shared_ptr<CDataset> LoadDatasetOrThrow(const char* path, const char* rel
     for (size_t i = 0; i < relink.size(); ++i)
         relink[i] = readLE32(&relinkBytes[i * 4]);
 
+    // One bit per 4-byte field: a field listed twice would be fixed up twice.
+    std::vector<uint8_t> listed(size / 32 + 1, 0);
     for (size_t i = 0; i < relink.size(); ++i) {
         uint32_t at = relink[i];
         if (at > size - 4) {
@@ -197,13 +211,12 @@ boost::shared_ptr<CDataset> LoadDatasetOrThrow(const char* path, const char* rel
             fail("pointer at offset %u holds %u, outside the dataset", path, at, target);
             return none;
         }
-    }
-    std::vector<uint32_t> sorted(relink);
-    std::sort(sorted.begin(), sorted.end());
-    std::vector<uint32_t>::iterator twice = std::adjacent_find(sorted.begin(), sorted.end());
-    if (twice != sorted.end()) {
-        fail("relink offset %u listed more than once", path, *twice);
-        return none;
+        const uint8_t bit = uint8_t(1u << (at / 4 % 8));
+        if (listed[at / 32] & bit) {
+            fail("relink offset %u listed more than once", path, at);
+            return none;
+        }
+        listed[at / 32] |= bit;
     }
 
     void* memory = mapLow(size);
