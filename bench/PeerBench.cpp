@@ -1,11 +1,12 @@
-// Scenes (a) ... (f) drawn four ways in one run: the draw manager's
+// Scenes (a) ... (g) drawn four ways in one run: the draw manager's
 // drawAll ("Zephrin2D"), each element's immediate draw ("Immediate"), the
 // driver's floor ("Floor": a minimal GL program drawing the same geometry)
-// and SDL2's batched GLES2 renderer ("SDL2"). The timed region of a frame is
-// the thread's CPU time from the scene update to the last GL call before
-// the swap (for SDL2: SDL_RenderFlush); glFinish and the swap follow
-// outside it. Counters: frame_us (median of the frames), draws and
-// upload_B per frame.
+// and SDL2's batched GLES2 renderer ("SDL2"); (a) ... (f) also with element
+// colours on ("Colors"), which must cost nothing where no element is
+// tinted. The timed region of a frame is the thread's CPU time from the
+// scene update to the last GL call before the swap (for SDL2:
+// SDL_RenderFlush); glFinish and the swap follow outside it. Counters:
+// frame_us (median of the frames), draws and upload_B per frame.
 #include "GLRecorder.h"
 #include "PeerFloor.h"
 #include "PeerGLCount.h"
@@ -63,9 +64,9 @@ template <class S> void frames(benchmark::State& state, S& scene, bool peer)
     }
 }
 
-void zephrin(benchmark::State& state, char id, bool managed)
+void zephrin(benchmark::State& state, char id, bool managed, bool colors)
 {
-    ZephrinScene scene(makeScene(id), managed);
+    ZephrinScene scene(makeScene(id), managed, colors);
     frames(state, scene, false);
 }
 
@@ -93,9 +94,12 @@ int registerAll()
     for (const char* p = ids; *p; ++p) {
         const char id = *p;
         const std::string base = std::string("BM_Scene/") + id + "/";
-        benchmark::RegisterBenchmark((base + "Zephrin2D").c_str(), zephrin, id, true)
+        benchmark::RegisterBenchmark((base + "Zephrin2D").c_str(), zephrin, id, true, false)
             ->UseManualTime()->Unit(benchmark::kMicrosecond)->MinTime(0.5);
-        benchmark::RegisterBenchmark((base + "Immediate").c_str(), zephrin, id, false)
+        if (id != 'g')
+            benchmark::RegisterBenchmark((base + "Colors").c_str(), zephrin, id, true, true)
+                ->UseManualTime()->Unit(benchmark::kMicrosecond)->MinTime(0.5);
+        benchmark::RegisterBenchmark((base + "Immediate").c_str(), zephrin, id, false, false)
             ->UseManualTime()->Unit(benchmark::kMicrosecond)->MinTime(0.5);
         benchmark::RegisterBenchmark((base + "Floor").c_str(), floor, id)
             ->UseManualTime()->Unit(benchmark::kMicrosecond)->MinTime(0.5);
