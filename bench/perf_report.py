@@ -351,13 +351,14 @@ def main():
                  "swap are outside the timed region). Ratio = Zephrin2D / SDL2. The machine is shared: "
                  "take the instruction counts above as the figure of record.")
     lines.append("")
-    lines.append("| Scene | Zephrin2D | Immediate | Floor | SDL2 | Zephrin2D / SDL2 | Target | Draw calls Z / I / floor "
-                 "/ SDL2 | Bytes uploaded per frame Z / floor / SDL2 |")
-    lines.append("|---|---|---|---|---|---|---|---|---|")
+    lines.append("| Scene | Zephrin2D | Colours on | Immediate | Floor | SDL2 | Zephrin2D / SDL2 | Target | Draw calls Z "
+                 "/ I / floor / SDL2 | Bytes uploaded per frame Z / floor / SDL2 |")
+    lines.append("|---|---|---|---|---|---|---|---|---|---|")
     for sid in sorted(rows):
         r = rows[sid]
         z, i, s, f = r.get("Zephrin2D"), r.get("Immediate"), r.get("SDL2"), r.get("Floor")
         zt = z["frame_us"] if z else None
+        ct = r["Colors"]["frame_us"] if "Colors" in r else None
         it = i["frame_us"] if i else None
         ft = f["frame_us"] if f else None
         st = s["frame_us"] if s and not s.get("error_occurred") else None
@@ -368,8 +369,8 @@ def main():
             verdict = "≤ %.2f: %s" % (target, "met" if zt / st <= target else "**missed**")
         elif sid == "e":
             verdict = "no heap allocation per cel change (test)"
-        lines.append("| %s | %s | %s | %s | %s | %s | %s | %s / %s / %s / %s | %s / %s / %s |" % (
-            NAMES.get(sid, sid), fmt_us(zt) if zt else "n/a", fmt_us(it) if it else "n/a",
+        lines.append("| %s | %s | %s | %s | %s | %s | %s | %s | %s / %s / %s / %s | %s / %s / %s |" % (
+            NAMES.get(sid, sid), fmt_us(zt) if zt else "n/a", fmt_us(ct) if ct else "n/a", fmt_us(it) if it else "n/a",
             fmt_us(ft) if ft else "n/a", fmt_us(st) if st else "n/a", ratio, verdict,
             fmt_count(z.get("draws")) if z else "n/a", fmt_count(i.get("draws")) if i else "n/a",
             fmt_count(f.get("draws")) if f else "n/a", fmt_count(s.get("draws")) if s else "n/a",
