@@ -15,6 +15,8 @@
 #include <DebugMPI.h>
 #include <Dataset.h>
 
+#include <boost/make_shared.hpp>
+
 namespace {
 
 const char* const kFile = "Zephrin2D/Src/CSceneLoaderDset";
@@ -130,13 +132,15 @@ void CSceneLoaderDset::loadBillboardTexture(CBillboard* billboard, uint32_t url)
     }
     if (mTextureSheet && billboard->loadTexture(name, mTextureSheet))
         return;
-    // The same as loadTexture without a sheet, but the name is looked up once per dataset.
-    const boost::shared_ptr<CTexture> texture = fileTexture(url);
-    if (texture) {
-        billboard->setTexture(texture);
+    // A dataset stores each name once: the texture found for it serves every later billboard of that name.
+    boost::shared_ptr<CTexture>& known = mTextures[url];
+    if (known) {
+        billboard->setTexture(known);
         return;
     }
     const bool loaded = billboard->loadTexture(mDefaultPath + name, 0);
+    if (loaded)
+        known = billboard->getTexture();
     BaseUtils::Assert(loaded, kFile, __LINE__, "CSceneLoaderDset::parseBillboard texture %s did not load",
                       (mDefaultPath + name).c_str());
 }
@@ -147,7 +151,7 @@ boost::shared_ptr<CBillboard> CSceneLoaderDset::parseBillboard(const tDsetBillbo
     if (earlierDefinition(record->id, mBillboards, billboard, debug(),
                           "CSceneLoaderDset::parseBillboard ID number is wrong, got %d, expected %d\n"))
         return billboard;
-    billboard.reset(new CBillboard());
+    billboard = boost::make_shared<CBillboard>();
     mBillboards.push_back(billboard);
     parseGraphicElementPortion(&record->element, billboard.get());
     loadBillboardTexture(billboard.get(), record->url);
@@ -162,7 +166,7 @@ boost::shared_ptr<Avatar2DPiece> CSceneLoaderDset::parseAvatarPiece(const tDsetA
     if (earlierDefinition(record->id, mAvatarPieces, piece, debug(),
                           "CSceneLoaderDset::parseAvatarPiece ID number is wrong, got %d, expected %d\n"))
         return piece;
-    piece.reset(new Avatar2DPiece());
+    piece = boost::make_shared<Avatar2DPiece>();
     mAvatarPieces.push_back(piece);
     parseGraphicElementPortion(&record->element, piece.get());
     const char* component = string(record->component);
@@ -190,7 +194,7 @@ void CSceneLoaderDset::parseAvatarPieces(unsigned long count, const tDsetAvatarP
 
 boost::shared_ptr<CSpriteCel> CSceneLoaderDset::parseSpriteCel(const tDsetSpriteCel* record)
 {
-    boost::shared_ptr<CSpriteCel> cel(new CSpriteCel());
+    boost::shared_ptr<CSpriteCel> cel = boost::make_shared<CSpriteCel>();
     const tDsetBillboard* billboards;
     const tDsetAvatarPiece* pieces;
     const tDsetOperation* ops;
@@ -217,7 +221,7 @@ boost::shared_ptr<CDrawChunk> CSceneLoaderDset::directBillboardChunk(const tDset
     if (!texture)
         return boost::shared_ptr<CDrawChunk>();
     // The quad a billboard makes of a whole texture, placed by the record's transform.
-    boost::shared_ptr<CTexturedChunk> chunk(new CTexturedChunk(4, 6));
+    boost::shared_ptr<CTexturedChunk> chunk = boost::make_shared<CTexturedChunk>(4, 6);
     static const uint16_t kIndices[6] = {0, 1, 2, 2, 1, 3};
     std::copy(kIndices, kIndices + 6, chunk->getIndices().begin());
     chunk->setTexture(texture);
@@ -254,7 +258,7 @@ boost::shared_ptr<CDrawChunk> CSceneLoaderDset::parseBillboardChunk(const tDsetB
         return chunk;
     }
     // The billboard is a scratch object: its chunk is placed by its transform and kept on its own.
-    boost::shared_ptr<CBillboard> billboard(new CBillboard());
+    boost::shared_ptr<CBillboard> billboard = boost::make_shared<CBillboard>();
     parseGraphicElementPortion(&record->element, billboard.get());
     loadBillboardTexture(billboard.get(), record->url);
     chunk = billboard->getChunks().empty() ? boost::shared_ptr<CDrawChunk>() : billboard->getChunks()[0];
