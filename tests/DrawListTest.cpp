@@ -121,6 +121,21 @@ TEST_F(DrawListTest, MovingOneOfAHundredUploadsOnlyItsPositions)
     EXPECT_EQ(pixel(7 * 6, 3 * 6), BLACK);
     EXPECT_EQ(pixel(7 * 6 + 4, 3 * 6 + 4), RED);
 
+    // A copy shares the chunk and is held last: each move still finds its own entry.
+    boost::shared_ptr<Element> copy = boost::make_shared<Element>(*elements[5]);
+    manager()->add(copy);
+    frame();
+    for (int i : {5, 100}) {
+        GLRecorder::clear();
+        GLRecorder::start();
+        (i == 100 ? copy : elements[i])->moveBy(tVect2{ONE_X, ZERO_X});
+        frame();
+        GLRecorder::stop();
+        sub = GLRecorder::callsNamed("glBufferSubData");
+        ASSERT_EQ(sub.size(), 1u) << i;
+        EXPECT_EQ(sub[0].offset, i * 4 * 12) << i;
+    }
+
     const unsigned long before = AllocationCounter::count();
     for (int i = 0; i < 10; ++i)
         elements[i * 7]->moveBy(tVect2{ONE_X, ZERO_X});

@@ -72,6 +72,31 @@ TEST(GraphicElement, MatrixFollowsTheTransform)
     }
 }
 
+TEST(GraphicElement, CachedMatrixMatchesAFreshOneAfterEveryChange)
+{
+    // Moves keep the rotation and scale part of the cached matrix; the other changes rebuild it.
+    const std::function<void(CGraphicElement&)> steps[] = {
+        [](CGraphicElement& e) { e.moveTo(tVect3{X(5), X(6), X(1)}); },
+        [](CGraphicElement& e) { e.rotateTo(X(30)); },
+        [](CGraphicElement& e) { e.moveBy(tVect2{X(-3), X(2)}); },
+        [](CGraphicElement& e) { e.moveRegTo(tVect2{X(4), X(2)}); },
+        [](CGraphicElement& e) { e.scaleXBy(X(3)); },
+        [](CGraphicElement& e) { e.moveBy(tVect3{X(1), X(1), X(1)}); },
+        [](CGraphicElement& e) { e.rotateBy(X(45)); e.moveTo(tVect2{X(7), X(8)}); },
+        [](CGraphicElement& e) { PlainElement o; o.scaleTo(tVect2{X(2), X(3)}); o.getMatrix(); e = o; },
+        [](CGraphicElement& e) { e.moveRegBy(tVect2{X(1), X(1)}); },
+    };
+    const auto fields = [](const tMatrix23& m) {
+        return std::vector<int32_t>{m.m00.raw(), m.m01.raw(), m.m02.raw(), m.m10.raw(), m.m11.raw(), m.m12.raw(), m.z.raw()};
+    };
+    PlainElement e;
+    for (size_t i = 0; i < sizeof(steps) / sizeof(steps[0]); ++i) {
+        steps[i](e);
+        EXPECT_EQ(fields(e.getMatrix()), fields(tMatrix23(e.getReg(), e.getScale(), e.getRotation(), e.getPos())))
+            << "step " << i;
+    }
+}
+
 TEST(GraphicElement, PushTransformSkipsIdentitySteps)
 {
     const long ONE = 1 << 16;

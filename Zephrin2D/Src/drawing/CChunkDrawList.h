@@ -87,7 +87,11 @@ public:
     }
     void markDirtyVertices(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) override
     {
-        markDirty(element, chunk, false);
+        markDirty(element.get(), chunk.get(), false);
+    }
+    void markMoved(CGraphicElement& element, const boost::shared_ptr<CDrawChunk>& chunk) override
+    {
+        markDirty(&element, chunk.get(), false);
     }
     void shrink() override
     {
@@ -147,11 +151,23 @@ protected:
     /// The pair's entry, or none.
     tEntry* find(const boost::shared_ptr<CGraphicElement>& element, const boost::shared_ptr<CDrawChunk>& chunk) const
     {
-        const tSlot slot = mIndex.find(element.get(), chunk.get());
-        return slot == tIndex::NOT_FOUND ? 0 : &mPool[slot];
+        return find(element.get(), chunk.get());
     }
-    void markDirty(const boost::shared_ptr<CGraphicElement>& element, const boost::shared_ptr<CDrawChunk>& chunk,
-                   bool texCoords);
+    tEntry* find(const CGraphicElement* element, CDrawChunk* chunk) const
+    {
+        const tSlot hint = chunk->getListSlot();
+        if (mPool.holds(hint)) {
+            tEntry& e = mPool[hint];
+            if (e.element.get() == element && e.chunk.get() == chunk)
+                return &e;
+        }
+        const tSlot slot = mIndex.find(element, chunk);
+        if (slot == tIndex::NOT_FOUND)
+            return 0;
+        chunk->setListSlot(static_cast<uint16_t>(slot));
+        return &mPool[slot];
+    }
+    void markDirty(const CGraphicElement* element, CDrawChunk* chunk, bool texCoords);
     /// Orders the visible entries by depth (ties by acceptance).
     void sortEntries(bool frontToBack);
     /// The first depth a translucent pass draws, after rewinding it.

@@ -111,6 +111,7 @@ bool CChunkDrawList<Entry, Chunk>::add(boost::shared_ptr<CGraphicElement> elemen
     takeColor(*entry);
     entryAdded(*entry);
     mIndex.insert(slot);
+    chunk->setListSlot(static_cast<uint16_t>(slot));
     mVertexCount = static_cast<uint16_t>(mVertexCount + vertexCount);
     if (entry->visible) {
         reserveOneMore(mSortedEntries);
@@ -208,8 +209,7 @@ bool CChunkDrawList<Entry, Chunk>::setVisible(const boost::shared_ptr<CGraphicEl
 }
 
 template <class Entry, class Chunk>
-void CChunkDrawList<Entry, Chunk>::markDirty(const boost::shared_ptr<CGraphicElement>& element,
-                                             const boost::shared_ptr<CDrawChunk>& chunk, bool texCoords)
+void CChunkDrawList<Entry, Chunk>::markDirty(const CGraphicElement* element, CDrawChunk* chunk, bool texCoords)
 {
     tEntry* const entry = find(element, chunk);
     if (!entry)

@@ -1,8 +1,8 @@
 #include "CDrawChunk.h"
 
-CDrawChunk::CDrawChunk() : mTranslucent(false) {}
+CDrawChunk::CDrawChunk() : mTranslucent(false), mListSlot(0xFFFF) {}
 
-CDrawChunk::CDrawChunk(unsigned short vertexCount) : mVertices(vertexCount, VECT3_0), mTranslucent(false) {}
+CDrawChunk::CDrawChunk(unsigned short vertexCount) : mVertices(vertexCount, VECT3_0), mTranslucent(false), mListSlot(0xFFFF) {}
 
 CDrawChunk::~CDrawChunk() {}
 

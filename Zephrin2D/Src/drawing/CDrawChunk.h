@@ -36,18 +36,25 @@ public:
 
     std::vector<tVect3>& getVertices() { return mVertices; }
     const std::vector<tVect3>& getVertices() const { return mVertices; }
-    boost::weak_ptr<CDrawList> getDrawList() const { return mDrawList; }
+    const boost::weak_ptr<CDrawList>& getDrawList() const { return mDrawList; }
     void setDrawList(boost::weak_ptr<CDrawList> list) { mDrawList = list; }
     bool isTranslucent() const { return mTranslucent; }
     /// Whether the chunk draws translucent when this element places it (its
     /// own translucency, or the element's alpha where colours apply).
     virtual bool isTranslucentFor(const CGraphicElement&) const { return mTranslucent; }
     void setTranslucent(bool translucent) { mTranslucent = translucent; }
+    /// Where the list that last took or found the chunk keeps its entry: a
+    /// hint that spares a moved element's list the lookup. Lists check it
+    /// against the pair before they trust it.
+    uint16_t getListSlot() const { return mListSlot; }
+    void setListSlot(uint16_t slot) { mListSlot = slot; }
 
 protected:
     std::vector<tVect3> mVertices;
     boost::weak_ptr<CDrawList> mDrawList;
     bool mTranslucent;
+    // Beside the flag, in room the layout leaves anyway.
+    uint16_t mListSlot;
 };
 
 #endif

@@ -40,20 +40,25 @@ bool CTexturedDrawList::streamEntry(tVertexStream& stream, tEntry& e)
     const tMatrix23 m = e.element->getMatrix();
     const std::vector<tVect3>& vertices = e.chunk->getVertices();
     const std::vector<tVect2>& coords = e.chunk->getTexCoords();
+    e.dirty = false;
+    e.texCoordsDirty = false;
+    if (vertices.size() == e.vertexCount && coords.size() >= e.vertexCount && e.vertexCount <= tVertexStream::BLOCK) {
+        stream.putTransformed(m, vertices.data(), coords.data(), e.vertexCount);
+        return true;
+    }
+    // A chunk changed in place since it was accepted, or one larger than a block.
     const size_t have = std::min(vertices.size(), static_cast<size_t>(e.vertexCount));
     for (size_t i = 0; i < have; ++i)
         stream.put(m * vertices[i], i < coords.size() ? coords[i] : VECT2_0);
     for (size_t i = have; i < e.vertexCount; ++i)
         stream.put(VECT3_0, VECT2_0);
-    e.dirty = false;
-    e.texCoordsDirty = false;
     return vertices.size() == e.vertexCount;
 }
 
 void CTexturedDrawList::markDirtyTexCoords(boost::shared_ptr<CGraphicElement> element,
                                            boost::shared_ptr<CDrawChunk> chunk)
 {
-    markDirty(element, chunk, true);
+    markDirty(element.get(), chunk.get(), true);
 }
 
 void CTexturedDrawList::shrink()

@@ -42,6 +42,9 @@ public:
 
     void release(tSlot slot) { mFree.push_back(slot); }
 
+    /// Whether slot was handed out (it may be free again).
+    bool holds(tSlot slot) const { return slot < mUsed; }
+
     Entry& operator[](tSlot slot) const
     {
         size_t block, offset;

@@ -1,9 +1,11 @@
 #ifndef ZEPHRIN2D_TVERTEXSTREAM_H
 #define ZEPHRIN2D_TVERTEXSTREAM_H
 
+#include "tMatrix23.h"
 #include "tVect.h"
 
 #include <GLES/gl.h>
+#include <algorithm>
 #include <stddef.h>
 
 /// A draw list's scratch memory for uploads: streams vertex positions into
@@ -46,6 +48,29 @@ public:
         mColors[mCount] = mColor;
         if (++mCount == BLOCK)
             flush();
+    }
+    /// n vertices (at most BLOCK) transformed by m, with their texture
+    /// coordinates and the current colour where the stream sends those.
+    void putTransformed(const tMatrix23& m, const tVect3* vertices, const tVect2* coords, size_t n)
+    {
+        if (mCount + n > BLOCK)
+            flush();
+        tVect3* const out = mPositions + mCount;
+        if (n == 4) {
+            // A quad, the common chunk: unrolled, its matrix stays in registers.
+            out[0] = m * vertices[0];
+            out[1] = m * vertices[1];
+            out[2] = m * vertices[2];
+            out[3] = m * vertices[3];
+        } else {
+            for (size_t i = 0; i < n; ++i)
+                out[i] = m * vertices[i];
+        }
+        if (mParts & COORDS)
+            std::copy(coords, coords + n, mTexCoords + mCount);
+        if (mParts & COLORS)
+            std::fill(mColors + mCount, mColors + mCount + n, mColor);
+        mCount += n;
     }
     /// count vertices of the current colour, for a stream of colours only.
     void putColors(size_t count)
@@ -92,9 +117,11 @@ private:
     unsigned mParts;
     size_t mAllocateTotal;
     tColor mColor;
-    tVect3 mPositions[BLOCK];
-    tVect2 mTexCoords[BLOCK];
-    tColor mColors[BLOCK];
+    // Left uninitialised (the unions spare the zeroing by tFixed's constructor):
+    // only what was put is ever sent up.
+    union { tVect3 mPositions[BLOCK]; };
+    union { tVect2 mTexCoords[BLOCK]; };
+    union { tColor mColors[BLOCK]; };
 };
 
 #endif

@@ -8,7 +8,7 @@
 
 CGraphicElement::CGraphicElement()
     : mMatrix(), mPosition(VECT3_0), mReg(VECT2_0), mRotation(ZERO_X), mScale{ONE_X, ONE_X},
-      mColor{255, 255, 255, 255}, mMatrixDirty(true), mVisible(true), mDrawManaged(false),
+      mColor{255, 255, 255, 255}, mMatrixDirty(true), mLinearDirty(true), mVisible(true), mDrawManaged(false),
       mColorEnabled(false)
 {
 }
@@ -16,7 +16,7 @@ CGraphicElement::CGraphicElement()
 CGraphicElement::CGraphicElement(const CGraphicElement& other)
     : boost::enable_shared_from_this<CGraphicElement>(), mMatrix(), mPosition(other.mPosition), mReg(other.mReg),
       mRotation(other.mRotation), mScale(other.mScale), mColor(other.mColor), mChunks(other.mChunks),
-      mMatrixDirty(true), mVisible(other.mVisible), mDrawManaged(false), mColorEnabled(other.mColorEnabled)
+      mMatrixDirty(true), mLinearDirty(true), mVisible(other.mVisible), mDrawManaged(false), mColorEnabled(other.mColorEnabled)
 {
 }
 
@@ -30,6 +30,7 @@ CGraphicElement& CGraphicElement::operator=(const CGraphicElement& other)
             CDrawManager::Instance()->remove(self, mChunks[i]);
     }
     mMatrixDirty = true;
+    mLinearDirty = true;
     mPosition = other.mPosition;
     mReg = other.mReg;
     mRotation = other.mRotation;
@@ -44,8 +45,8 @@ CGraphicElement& CGraphicElement::operator=(const CGraphicElement& other)
 
 CGraphicElement::~CGraphicElement() {}
 
-void CGraphicElement::rotateTo(tFixed degrees) { mRotation = degrees; markDirtyVertices(); }
-void CGraphicElement::rotateBy(tFixed degrees) { mRotation += degrees; markDirtyVertices(); }
+void CGraphicElement::rotateTo(tFixed degrees) { mRotation = degrees; markLinearDirty(); }
+void CGraphicElement::rotateBy(tFixed degrees) { mRotation += degrees; markLinearDirty(); }
 
 void CGraphicElement::moveTo(tVect2 position)
 {
@@ -64,17 +65,17 @@ void CGraphicElement::moveBy(tVect2 offset)
 }
 
 void CGraphicElement::moveBy(tVect3 offset) { mPosition = mPosition + offset; markDirtyVertices(); }
-void CGraphicElement::scaleXTo(tFixed scale) { mScale.x = scale; markDirtyVertices(); }
-void CGraphicElement::scaleXBy(tFixed factor) { mScale.x = mScale.x * factor; markDirtyVertices(); }
-void CGraphicElement::scaleYTo(tFixed scale) { mScale.y = scale; markDirtyVertices(); }
-void CGraphicElement::scaleYBy(tFixed factor) { mScale.y = mScale.y * factor; markDirtyVertices(); }
-void CGraphicElement::scaleTo(tVect2 scale) { mScale = scale; markDirtyVertices(); }
+void CGraphicElement::scaleXTo(tFixed scale) { mScale.x = scale; markLinearDirty(); }
+void CGraphicElement::scaleXBy(tFixed factor) { mScale.x = mScale.x * factor; markLinearDirty(); }
+void CGraphicElement::scaleYTo(tFixed scale) { mScale.y = scale; markLinearDirty(); }
+void CGraphicElement::scaleYBy(tFixed factor) { mScale.y = mScale.y * factor; markLinearDirty(); }
+void CGraphicElement::scaleTo(tVect2 scale) { mScale = scale; markLinearDirty(); }
 
 void CGraphicElement::scaleBy(tVect2 factor)
 {
     mScale.x = mScale.x * factor.x;
     mScale.y = mScale.y * factor.y;
-    markDirtyVertices();
+    markLinearDirty();
 }
 
 void CGraphicElement::alphaTo(unsigned char alpha)
@@ -123,8 +124,12 @@ void CGraphicElement::colorChanged()
 tMatrix23 CGraphicElement::getMatrix()
 {
     if (mMatrixDirty) {
-        mMatrix.setTransform(mReg, mScale, mRotation, mPosition);
+        if (mLinearDirty)
+            mMatrix.setTransform(mReg, mScale, mRotation, mPosition);
+        else
+            mMatrix.setPlacement(mReg, mPosition);
         mMatrixDirty = false;
+        mLinearDirty = false;
     }
     return mMatrix;
 }
@@ -159,7 +164,7 @@ void CGraphicElement::flipHorizontal()
         return;
     mReg.x = box.left + box.right - mReg.x;
     mScale.x = -mScale.x;
-    markDirtyVertices();
+    markLinearDirty();
 }
 
 void CGraphicElement::flipVertical()
@@ -169,6 +174,12 @@ void CGraphicElement::flipVertical()
         return;
     mReg.y = box.bottom + box.top - mReg.y;
     mScale.y = -mScale.y;
+    markLinearDirty();
+}
+
+void CGraphicElement::markLinearDirty()
+{
+    mLinearDirty = true;
     markDirtyVertices();
 }
 
@@ -177,11 +188,10 @@ void CGraphicElement::markDirtyVertices()
     mMatrixDirty = true;
     if (!mDrawManaged)
         return;
-    boost::shared_ptr<CGraphicElement> self = shared_from_this();
     for (size_t i = 0; i < mChunks.size(); ++i) {
-        boost::shared_ptr<CDrawList> list = mChunks[i]->getDrawList().lock();
+        const boost::shared_ptr<CDrawList> list = mChunks[i]->getDrawList().lock();
         if (list)
-            list->markDirtyVertices(self, mChunks[i]);
+            list->markMoved(*this, mChunks[i]);
     }
 }
 

@@ -118,6 +118,8 @@ public:
 
 protected:
     void applyPlacement();
+    /// markDirtyVertices() after a change of rotation or scale.
+    void markLinearDirty();
     /// The colour changed: the lists holding the chunks take it at the next frame.
     void colorChanged();
     /// The cached matrix, or a fresh one when the transform changed since.
@@ -133,7 +135,10 @@ protected:
     // The flags come last and together: no padding within, and a subclass's
     // small fields fill the rest of the word (a billboard and its control
     // block then fit one 160-byte heap block).
-    bool mMatrixDirty;
+    bool mMatrixDirty : 1;
+    /// The rotation or scale changed too: the matrix's linear part is rebuilt,
+    /// not only its translation (a moved sprite costs no trigonometry).
+    bool mLinearDirty : 1;
     bool mVisible;
     bool mDrawManaged;
     bool mColorEnabled;

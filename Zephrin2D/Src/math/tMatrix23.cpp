@@ -16,7 +16,5 @@ void tMatrix23::setTransform(tVect2 reg, tVect2 scale, tFixed rotation, tVect3 p
     m01 = -(s * scale.y);
     m10 = s * scale.x;
     m11 = c * scale.y;
-    m02 = position.x - m00 * reg.x - m01 * reg.y;
-    m12 = position.y - m11 * reg.y - m10 * reg.x;
-    z = position.z;
+    setPlacement(reg, position);
 }

@@ -18,6 +18,14 @@ struct tMatrix23
     /// Moves reg to the origin, scales, rotates counter-clockwise by
     /// rotation degrees, then moves to position. Note the argument order.
     void setTransform(tVect2 reg, tVect2 scale, tFixed rotation, tVect3 position);
+    /// Only the translation and depth of setTransform, for a new position or
+    /// registration point under the rotation and scale the matrix was built with.
+    void setPlacement(tVect2 reg, tVect3 position)
+    {
+        m02 = position.x - m00 * reg.x - m01 * reg.y;
+        m12 = position.y - m11 * reg.y - m10 * reg.x;
+        z = position.z;
+    }
 
     /// Each product is rounded on its own before the sums.
     tVect3 operator*(const tVect3& v) const

@@ -1,0 +1,8 @@
+#include "CDrawList.h"
+
+#include "CGraphicElement.h"
+
+void CDrawList::markMoved(CGraphicElement& element, const boost::shared_ptr<CDrawChunk>& chunk)
+{
+    markDirtyVertices(element.shared_from_this(), chunk);
+}
