@@ -5,6 +5,7 @@
 #include "CAvatarCostume.h"
 #include "CBillboard.h"
 #include "CDrawChunk.h"
+#include "CDsetReader.h"
 #include "CSceneLoaderDset.h"
 #include "CSceneLoaderJson.h"
 #include "DsetCompiler.h"
@@ -108,34 +109,26 @@ TEST_F(SceneLoaderDsetTest, CelsMergeIntoOneChunkPerTextureRun)
 
 TEST_F(SceneLoaderDsetTest, SceneBillboardsLoadAsFromJson)
 {
-    const char* urls[] = {"bricks_rgb.png", "glow_rgba.png", "bricks_rgb.png"};
-    writeFile(dir + "/s.json", R"([{"ElementType": 0, "ID": 0, "URL": "bricks_rgb.png", "Position": [3.0, 4.0, 1.0],
-        "Rotation": 90.0}, {"ElementType": 0, "ID": 1, "URL": "glow_rgba.png"}, {"ElementType": 0, "ID": 2, "URL": "bricks_rgb.png"}])");
-    DsetWriter out;
-    const uint32_t records = out.reserve(3 * sizeof(tDsetBillboard));
-    for (uint16_t i = 0; i < 3; ++i) {
-        const int32_t placed = i ? 0 : 1 << 16;
-        const tDsetBillboard b = {i, 0, 0, {3 * placed, 4 * placed, placed, 90 * placed, 1 << 16, 1 << 16, 0, 0, {255, 255, 255, 255}}};
-        out.put(records + i * sizeof b, b);
-        out.setPointer(records + i * sizeof b + offsetof(tDsetBillboard, url), out.addString(urls[i]));
-    }
-    out.setRoot(records);
-    std::string error;
-    ASSERT_TRUE(out.write(dir + "/s.dsetBin", dir + "/s.relinkBin", error)) << error;
+    const std::string children = R"({"ElementType": 0, "ID": 0, "URL": "bricks_rgb.png", "Position": [3.0, 4.0, 1.0],
+        "Rotation": 90.0}, {"ElementType": 0, "ID": 1, "URL": "glow_rgba.png"}, {"ElementType": 0, "ID": 2, "URL": "bricks_rgb.png"})";
+    const std::string base = compile("scene", R"({"Animation": [{"ID": 0, "Duration": 1, "Children": [)" + children + "]}]}");
+    writeFile(dir + "/scene-list.json", "[" + children + "]");
     CSceneLoaderJson json;
     json.setDefaultPath(dir + "/");
-    const CSceneLoaderJson::tElementList fromJson = json.parseJsonFile((dir + "/s.json").c_str());
+    const CSceneLoaderJson::tElementList fromJson = json.parseJsonFile((dir + "/scene-list.json").c_str());
     CSceneLoaderDset dset;
     dset.setDefaultPath(dir + "/");
     void* data = 0;
-    const boost::shared_ptr<CDataset> dataset = dset.LoadDset(dir + "/s.dsetBin", data);
-    ASSERT_TRUE(data && fromJson.size() == 3);
+    const boost::shared_ptr<CDataset> dataset = dset.LoadDset(base + ".dsetBin", data);
+    ASSERT_TRUE(data);
+    const tDsetSpriteCel* cel = static_cast<const tDsetSpriteCel*>(CDsetReader::address(static_cast<tDsetActor*>(data)->cels));
     for (int i = 0; i < 3; ++i) {
-        const boost::shared_ptr<CBillboard> b = dset.parseBillboard(static_cast<const tDsetBillboard*>(data) + i);
-        const boost::shared_ptr<CBillboard> j = boost::dynamic_pointer_cast<CBillboard>(fromJson[i]);
-        EXPECT_EQ(b->getTexture(), j->getTexture()) << urls[i];
+        const boost::shared_ptr<CBillboard> b =
+            dset.parseBillboard(static_cast<const tDsetBillboard*>(CDsetReader::address(cel->billboards)) + i);
+        const boost::shared_ptr<CBillboard> j = boost::dynamic_pointer_cast<CBillboard>(fromJson.at(i));
+        EXPECT_EQ(b->getTexture(), j->getTexture()) << i;
         EXPECT_EQ(b->getChunks()[0]->createTransformedChunk(b)->getVertices(),
-                  j->getChunks()[0]->createTransformedChunk(j)->getVertices()) << urls[i];
+                  j->getChunks()[0]->createTransformedChunk(j)->getVertices()) << i;
     }
 }
 
