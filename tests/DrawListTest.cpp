@@ -143,39 +143,53 @@ TEST_F(DrawListTest, MovingOneOfAHundredUploadsOnlyItsPositions)
     EXPECT_EQ(AllocationCounter::count() - before, 0u) << "moving frames allocate nothing";
 }
 
-TEST_F(DrawListTest, RemovalClosesTheGapInsideTheBuffers)
+TEST_F(DrawListTest, RemovedPairKeepsItsRoomForItsReturn)
 {
     boost::shared_ptr<CTexture> texture = solidTexture(RED);
     boost::shared_ptr<Element> a = quadElement(texture, 0, 0, Z(0));
     boost::shared_ptr<Element> b = quadElement(texture, 10, 0, Z(0));
-    boost::shared_ptr<Element> c = quadElement(texture, 20, 0, Z(0));
-    for (auto& e : {a, b, c})
+    for (auto& e : {a, b})
         manager()->add(e);
     frame();
-    GLRecorder::start();
-    manager()->remove(a);
-    frame();
-    EXPECT_EQ(GLRecorder::count("glBufferData"), 0u) << "the buffers are kept";
-    std::vector<GLRecorder::tCall> positions = uploads("glBufferSubData", GL_ARRAY_BUFFER);
-    ASSERT_EQ(positions.size(), 2u) << "b and c rewritten at their new offsets, positions then coordinates";
-    EXPECT_EQ(positions[0].offset, 0);
-    EXPECT_EQ(positions[0].size, 2 * 48);
-    EXPECT_EQ(positions[1].size, 2 * 32);
-    EXPECT_EQ(pixel(2, 2), BLACK);
-    EXPECT_EQ(pixel(12, 2), RED);
-    EXPECT_EQ(pixel(22, 2), RED);
-    EXPECT_FALSE(a->isDrawManaged());
-
-    GLRecorder::clear();
+    enum tOp { REMOVE, ADD, MOVE_OUT, ADD_OTHER };
+    struct {
+        tOp op;
+        long uploadOffset;   // of the positions, -1: no vertex upload
+        bool grows, aShown;
+    } steps[] = {
+        {REMOVE, -1, false, false},    // the room stays, nothing moves
+        {ADD, -1, false, true},        // back unchanged: drawn from the vertices kept
+        {MOVE_OUT, 0, false, true},    // moved while out: only its own range
+        {ADD_OTHER, 8 * 12, true, true},  // a new pair is appended: the buffers grow
+    };
     boost::shared_ptr<Element> d = quadElement(texture, 30, 0, Z(0));
-    manager()->add(d);
-    frame();
-    GLRecorder::stop();
-    EXPECT_EQ(GLRecorder::count("glBufferData"), 0u) << "fits the room a left";
-    positions = uploads("glBufferSubData", GL_ARRAY_BUFFER);
-    ASSERT_EQ(positions.size(), 2u);
-    EXPECT_EQ(positions[0].offset, 8 * 12);
+    for (const auto& s : steps) {
+        GLRecorder::start();
+        if (s.op == REMOVE)
+            manager()->remove(a);
+        else if (s.op == ADD)
+            manager()->add(a);
+        else if (s.op == ADD_OTHER)
+            manager()->add(d);
+        else {
+            manager()->remove(a);
+            a->moveBy(tVect2{ONE_X, ZERO_X});
+            manager()->add(a);
+        }
+        frame();
+        GLRecorder::stop();
+        std::vector<GLRecorder::tCall> positions = uploads(s.grows ? "glBufferData" : "glBufferSubData",
+                                                           GL_ARRAY_BUFFER);
+        EXPECT_EQ(positions.empty(), s.uploadOffset < 0) << s.op;
+        if (!positions.empty() && !s.grows) {
+            EXPECT_EQ(positions[0].offset, s.uploadOffset) << s.op;
+        }
+        EXPECT_EQ(pixel(s.op == REMOVE ? 2 : 3, 2), s.aShown ? RED : BLACK) << s.op;
+        EXPECT_EQ(pixel(12, 2), RED) << s.op;
+        GLRecorder::clear();
+    }
     EXPECT_EQ(pixel(32, 2), RED);
+    EXPECT_EQ(opaqueList(0)->getEntryCount(), 3u);
 }
 
 TEST_F(DrawListTest, ShrinkAllDropsEmptyListsAndRebuildsOthersAtSize)

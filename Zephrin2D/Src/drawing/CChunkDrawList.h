@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <boost/weak_ptr.hpp>
 #include <stdint.h>
+#include <string.h>
 #include <boost/make_shared.hpp>
 #include <vector>
 
@@ -34,8 +35,8 @@ struct tChunkEntry
     uint16_t indexCount;
     /// Element z plus the chunk's first vertex z, as of the last buffering.
     int32_t depth;
-    /// Acceptance order, unique in the list: equal depths draw in it.
-    uint32_t order : 26;
+    /// Acceptance order, unique among the held entries: equal depths draw in it.
+    uint32_t order : 25;
     /// The vertices must be re-transformed and re-uploaded.
     bool dirty : 1;
     /// The texture coordinates must be re-uploaded too.
@@ -47,6 +48,8 @@ struct tChunkEntry
     bool cleared : 1;
     /// The colours must be re-uploaded.
     bool colorDirty : 1;
+    /// The pair left the list; its vertices stay for its return (see CChunkDrawList).
+    bool parked : 1;
 };
 
 /// The bookkeeping every draw list of one GL texture shares: the accepted
@@ -54,10 +57,15 @@ struct tChunkEntry
 /// vertex buffer), the visible ones in draw order, the hidden ones, a
 /// lookup by pair, and the vertex uploads, which rewrite only what changed.
 ///
-/// Entries live in a pool of blocks that share a control block each; a
-/// removed entry's slot serves the next add and the lookup table only
-/// grows, so that a steady exchange of chunks (an actor changing cel)
-/// allocates nothing.
+/// Entries live in a pool of blocks that share a control block each, and
+/// the lookup table only grows. A removed pair's entry stays parked, with
+/// its vertices in the buffers and only weak references to the pair: when
+/// the pair comes back (an actor showing a cel again) the entry is taken up
+/// again, and its vertices are used as they are unless the element's matrix
+/// or the chunk changed meanwhile. So a steady exchange of chunks allocates
+/// nothing and uploads nothing but indices. Parked entries go when the
+/// buffers must grow and their pair is gone, when the list shrinks, and when
+/// their room is needed for a new pair.
 /// Subclasses write an entry's vertices and draw.
 template <class Entry, class Chunk>
 class CChunkDrawList : public CDrawList
@@ -73,7 +81,7 @@ public:
         const char* dirtyMismatch;
     };
 
-    ~CChunkDrawList() override { deleteVertexBuffers(); }
+    ~CChunkDrawList() override;
 
     bool add(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) override;
     bool remove(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) override;
@@ -95,12 +103,13 @@ public:
     }
     void shrink() override
     {
+        dropParked(false);
         mBufferedVertexCount = 0;
         mVerticesDirty = true;
     }
     void clear() override;
     void bufferVertices() override;
-    bool empty() override { return mEntries.empty(); }
+    bool empty() override { return mLiveCount == 0; }
     bool isTranslucent() const override { return mTranslucent; }
     bool contains(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) const override
     {
@@ -112,7 +121,9 @@ public:
 
     uint32_t getTextureId() const { return mTextureId; }
     uint16_t getVertexCount() const { return mVertexCount; }
-    size_t getEntryCount() const { return mEntries.size(); }
+    size_t getEntryCount() const { return mLiveCount; }
+    /// Entries kept for pairs that left the list.
+    size_t getParkedEntryCount() const { return mParked.size(); }
     size_t getVisibleEntryCount() const { return mSortedEntries.size(); }
     size_t getHiddenEntryCount() const { return mHiddenEntries.size(); }
     /// Whether the list draws with a colour array (it holds an element of another colour than opaque white).
@@ -135,7 +146,7 @@ protected:
         : mTranslucent(false), mHasTexture(false), mTextureId(0), mVertexBuffer(0), mTexCoordBuffer(0),
           mBufferedVertexCount(0), mVertexCount(0), mVerticesDirty(false), mIndexCount(0), mHiddenIndexCount(0),
           mIndicesDirty(false), mColorBuffer(0), mTintedCount(0), mColorsValid(false), mAlphaCursor(0), mOrderDirty(false), mSortedFrontToBack(false), mRewriteFrom(NONE),
-          mNextOrder(0), mIndex(mPool), mMessages(messages), mTexCoords(texCoords)
+          mNextOrder(0), mVertexEnd(0), mLiveCount(0), mIndex(mPool), mMessages(messages), mTexCoords(texCoords)
     {
     }
 
@@ -147,25 +158,33 @@ protected:
     virtual size_t indexCountOf(const Chunk& chunk) const = 0;
     /// Called once a new entry is filled in.
     virtual void entryAdded(tEntry&) {}
+    /// What the chunk's vertices in the buffers are made of, hashed: its
+    /// positions, and what else a subclass writes per vertex. A pair comes
+    /// back to its kept vertices only when this did not change meanwhile.
+    virtual uint64_t fingerprintOf(const Chunk& chunk) const { return hashed(chunk.getVertices(), 0); }
+    static uint64_t hashed(const std::vector<tVect3>& v, uint64_t h)
+    {
+        for (size_t i = 0; i < v.size(); ++i)
+            h = mix(mix(mix(h, v[i].x.raw()), v[i].y.raw()), v[i].z.raw());
+        return h;
+    }
+    static uint64_t hashed(const std::vector<tVect2>& v, uint64_t h)
+    {
+        for (size_t i = 0; i < v.size(); ++i)
+            h = mix(mix(h, v[i].x.raw()), v[i].y.raw());
+        return h;
+    }
+    static uint64_t mix(uint64_t h, int32_t word) { return (h ^ static_cast<uint32_t>(word)) * 0x100000001B3ull; }
 
-    /// The pair's entry, or none.
+    /// The pair's entry, or none (also when it is parked).
     tEntry* find(const boost::shared_ptr<CGraphicElement>& element, const boost::shared_ptr<CDrawChunk>& chunk) const
     {
         return find(element.get(), chunk.get());
     }
     tEntry* find(const CGraphicElement* element, CDrawChunk* chunk) const
     {
-        const tSlot hint = chunk->getListSlot();
-        if (mPool.holds(hint)) {
-            tEntry& e = mPool[hint];
-            if (e.element.get() == element && e.chunk.get() == chunk)
-                return &e;
-        }
-        const tSlot slot = mIndex.find(element, chunk);
-        if (slot == tIndex::NOT_FOUND)
-            return 0;
-        chunk->setListSlot(static_cast<uint16_t>(slot));
-        return &mPool[slot];
+        const uint32_t slot = lookup(element, chunk);
+        return slot == tIndex::NOT_FOUND || mPool[slot].parked ? 0 : &mPool[slot];
     }
     void markDirty(const CGraphicElement* element, CDrawChunk* chunk, bool texCoords);
     /// Orders the visible entries by depth (ties by acceptance).
@@ -210,8 +229,20 @@ private:
     typedef tEntryIndex<tPool> tIndex;
     typedef typename tPool::tSlot tSlot;
     static constexpr size_t NONE = static_cast<size_t>(-1);
-    /// Orders run below this (26 bits); reaching it renumbers the entries.
-    static constexpr uint32_t ORDER_LIMIT = 1u << 26;
+    /// Orders run below this (25 bits); reaching it renumbers the entries.
+    static constexpr uint32_t ORDER_LIMIT = 1u << 25;
+
+    /// What a parked entry keeps of its pair (the entry's index offset is
+    /// its place here): whether the pair still lives, and what placed the
+    /// vertices it left in the buffers.
+    struct tParked
+    {
+        boost::weak_ptr<CGraphicElement> element;
+        boost::weak_ptr<Chunk> chunk;
+        tMatrix23 matrix;
+        uint64_t fingerprint;
+        tSlot slot;
+    };
 
     static int32_t depthOf(const tEntry& e);
     /// Doubles up to a kilobyte, then grows by an eighth: a list's vectors
@@ -226,7 +257,44 @@ private:
     }
     static tEntryRef refTo(const boost::shared_ptr<tEntry>& entry);
     /// Takes the entry's reference out of refs.
-    static tEntryRef takeRef(std::vector<tEntryRef>& refs, const tEntry& entry);
+    tEntryRef takeRef(std::vector<tEntryRef>& refs, const tEntry& entry);
+    /// Whether a draws before b in the sorted entries' current direction.
+    bool drawsBefore(const tEntryRef& a, const tEntryRef& b) const
+    {
+        if (a.depth != b.depth)
+            return mSortedFrontToBack ? a.depth > b.depth : a.depth < b.depth;
+        return a.order < b.order;
+    }
+    /// Adds the reference to the sorted entries, in place while they are in order.
+    void insertSorted(const tEntryRef& ref);
+    /// Makes the entry count as held: counts, references, colour, the chunk's list.
+    void join(tSlot slot, Chunk& chunk);
+    /// Takes a parked entry up again for its returning pair.
+    bool rejoin(tSlot slot, const boost::shared_ptr<CGraphicElement>& element,
+                const boost::shared_ptr<CDrawChunk>& chunk, Chunk& typed);
+    /// The pair's slot, parked or not, through the chunk's hint or else the
+    /// lookup table (which then becomes the hint); NOT_FOUND without one.
+    tSlot lookup(const CGraphicElement* element, CDrawChunk* chunk) const
+    {
+        const tSlot hint = chunk->getListSlot();
+        if (mPool.holds(hint)) {
+            const tEntry& e = mPool[hint];
+            if (e.element.get() == element && e.chunk.get() == chunk)
+                return hint;
+        }
+        const tSlot slot = mIndex.find(element, chunk);
+        if (slot != tIndex::NOT_FOUND)
+            chunk->setListSlot(static_cast<uint16_t>(slot));
+        return slot;
+    }
+    /// Counts one holder of the chunk less; true when none is left.
+    static bool releaseHold(CDrawChunk& chunk);
+    /// Parks a held entry whose pair is removed.
+    void park(tSlot slot, CDrawChunk& chunk);
+    /// Drops the parked entries (those whose pair is gone, or all) and closes their gaps.
+    void dropParked(bool goneOnly);
+    /// Writes a parked entry's vertices while its pair lives, else zeros.
+    bool restreamParked(tVertexStream& stream, tEntry& e);
     /// The next acceptance order; renumbers the entries when the orders run out.
     uint32_t nextOrder();
     bool holdsTexture(const boost::shared_ptr<CDrawChunk>& chunk) const;
@@ -245,6 +313,11 @@ private:
     /// Entries from this one on moved in the vertex buffer and are rewritten whole.
     size_t mRewriteFrom;
     uint32_t mNextOrder;
+    std::vector<tParked> mParked;
+    /// Vertices the entries, parked ones included, take in the buffers.
+    uint16_t mVertexEnd;
+    /// Entries that are not parked.
+    size_t mLiveCount;
     tPool mPool;
     tIndex mIndex;
     tMessages mMessages;

@@ -21,12 +21,32 @@ CChunkDrawList<Entry, Chunk>::refTo(const boost::shared_ptr<tEntry>& entry)
 }
 
 template <class Entry, class Chunk>
+CChunkDrawList<Entry, Chunk>::~CChunkDrawList()
+{
+    deleteVertexBuffers();
+    for (size_t i = 0; i < mEntries.size(); ++i)
+        if (!mEntries[i]->parked)
+            releaseHold(*mEntries[i]->chunk);
+}
+
+template <class Entry, class Chunk>
 typename CChunkDrawList<Entry, Chunk>::tEntryRef
 CChunkDrawList<Entry, Chunk>::takeRef(std::vector<tEntryRef>& refs, const tEntry& entry)
 {
-    for (size_t i = 0; i < refs.size(); ++i)
+    tEntryRef ref;
+    ref.depth = entry.depth;
+    ref.order = entry.order;
+    size_t i = 0;
+    if (&refs == &mSortedEntries && !mOrderDirty) {
+        i = static_cast<size_t>(std::lower_bound(refs.begin(), refs.end(), ref, [this](const tEntryRef& a, const tEntryRef& b) {
+                                    return drawsBefore(a, b);
+                                }) - refs.begin());
+        if (i == refs.size() || refs[i].order != entry.order)
+            i = 0;
+    }
+    for (; i < refs.size(); ++i)
         if (refs[i].order == entry.order) {
-            const tEntryRef ref = refs[i];
+            ref = refs[i];
             refs.erase(refs.begin() + i);
             return ref;
         }
@@ -34,18 +54,39 @@ CChunkDrawList<Entry, Chunk>::takeRef(std::vector<tEntryRef>& refs, const tEntry
 }
 
 template <class Entry, class Chunk>
+void CChunkDrawList<Entry, Chunk>::insertSorted(const tEntryRef& ref)
+{
+    reserveOneMore(mSortedEntries);
+    if (mOrderDirty) {
+        mSortedEntries.push_back(ref);
+        return;
+    }
+    mSortedEntries.insert(std::upper_bound(mSortedEntries.begin(), mSortedEntries.end(), ref,
+                                           [this](const tEntryRef& a, const tEntryRef& b) { return drawsBefore(a, b); }),
+                          ref);
+}
+
+template <class Entry, class Chunk>
 uint32_t CChunkDrawList<Entry, Chunk>::nextOrder()
 {
     if (mNextOrder >= ORDER_LIMIT) {
-        // The entries are in acceptance order: their positions are their new orders.
-        for (size_t i = 0; i < mEntries.size(); ++i)
-            mEntries[i]->order = static_cast<uint32_t>(i);
-        std::vector<tEntryRef>* const refs[2] = {&mSortedEntries, &mHiddenEntries};
-        for (int r = 0; r < 2; ++r)
-            for (size_t i = 0; i < refs[r]->size(); ++i)
-                if (boost::shared_ptr<tEntry> e = (*refs[r])[i].entry.lock())
-                    (*refs[r])[i].order = e->order;
-        mNextOrder = static_cast<uint32_t>(mEntries.size());
+        // The held entries keep their relative order: both reference lists
+        // are put in acceptance order and numbered as one, merged.
+        const auto byOrder = [](const tEntryRef& a, const tEntryRef& b) { return a.order < b.order; };
+        std::sort(mSortedEntries.begin(), mSortedEntries.end(), byOrder);
+        std::sort(mHiddenEntries.begin(), mHiddenEntries.end(), byOrder);
+        size_t s = 0, h = 0;
+        uint32_t next = 0;
+        while (s < mSortedEntries.size() || h < mHiddenEntries.size()) {
+            const bool sorted = h == mHiddenEntries.size() ||
+                                (s < mSortedEntries.size() && mSortedEntries[s].order < mHiddenEntries[h].order);
+            tEntryRef& ref = sorted ? mSortedEntries[s++] : mHiddenEntries[h++];
+            if (boost::shared_ptr<tEntry> e = ref.entry.lock())
+                e->order = next;
+            ref.order = next++;
+        }
+        mNextOrder = next;
+        mOrderDirty = true;
     }
     return mNextOrder++;
 }
@@ -72,19 +113,34 @@ bool CChunkDrawList<Entry, Chunk>::restream(tVertexStream& stream, tEntry& e)
 template <class Entry, class Chunk>
 bool CChunkDrawList<Entry, Chunk>::add(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk)
 {
-    boost::shared_ptr<Chunk> typed = boost::dynamic_pointer_cast<Chunk>(chunk);
+    Chunk* const typed = dynamic_cast<Chunk*>(chunk.get());
     if (!element || !typed)
         return false;
     const bool translucent = typed->isTranslucentFor(*element);
     if (mHasTexture && (typed->getTextureId() != mTextureId || translucent != mTranslucent))
         return false;
-    if (find(element, chunk))
-        return true;
-    const size_t vertexCount = typed->getVertices().size();
-    const size_t indexCount = indexCountOf(*typed);
+    const Chunk& constant = *typed;
+    const size_t vertexCount = constant.getVertices().size();
+    const tSlot held = lookup(element.get(), chunk.get());
+    if (held != tIndex::NOT_FOUND) {
+        if (!mPool[held].parked)
+            return true;
+        if (mPool[held].vertexCount == vertexCount)
+            return rejoin(held, element, chunk, *typed);
+        dropParked(false);   // the chunk changed size in place: its kept room no longer fits
+    }
+    const size_t indexCount = indexCountOf(constant);
     if (mVertexCount + vertexCount > MAX_COUNT || mIndexCount + mHiddenIndexCount + indexCount > MAX_COUNT ||
-        mPool.fullAt(tIndex::MAX_SLOT))
-        return false;
+        mPool.fullAt(tIndex::MAX_SLOT)) {
+        if (mParked.empty() || mVertexCount + vertexCount > MAX_COUNT ||
+            mIndexCount + mHiddenIndexCount + indexCount > MAX_COUNT)
+            return false;
+        dropParked(false);
+        if (mPool.fullAt(tIndex::MAX_SLOT))
+            return false;
+    }
+    if (mVertexEnd + vertexCount > MAX_COUNT)
+        dropParked(false);
     if (!mHasTexture) {
         BaseUtils::Assert(typed->getTextureId() != 0, mMessages.file, __LINE__, mMessages.noTexture);
         mTextureId = typed->getTextureId();
@@ -93,41 +149,86 @@ bool CChunkDrawList<Entry, Chunk>::add(boost::shared_ptr<CGraphicElement> elemen
     }
 
     const tSlot slot = mPool.take();
-    boost::shared_ptr<tEntry> entry = mPool.shared(slot);
-    entry->element = element;
-    entry->chunk = typed;
-    entry->vertexOffset = mVertexCount;
-    entry->indexOffset = 0;
-    entry->dirty = true;
-    entry->texCoordsDirty = true;
-    entry->vertexCount = static_cast<uint16_t>(vertexCount);
-    entry->indexCount = static_cast<uint16_t>(indexCount);
-    entry->visible = element->getVisibility();
-    entry->depth = depthOf(*entry);
-    entry->order = nextOrder();
-    entry->tinted = false;
-    entry->cleared = false;
-    entry->colorDirty = false;
-    takeColor(*entry);
-    entryAdded(*entry);
+    tEntry& entry = mPool[slot];
+    entry.element = element;
+    entry.chunk = boost::shared_ptr<Chunk>(chunk, typed);
+    entry.vertexOffset = mVertexEnd;
+    entry.indexOffset = 0;
+    entry.dirty = true;
+    entry.texCoordsDirty = true;
+    entry.vertexCount = static_cast<uint16_t>(vertexCount);
+    entry.depth = depthOf(entry);
+    entry.tinted = false;
+    entry.cleared = false;
+    entry.colorDirty = false;
+    entry.parked = false;
+    entryAdded(entry);
     mIndex.insert(slot);
-    chunk->setListSlot(static_cast<uint16_t>(slot));
-    mVertexCount = static_cast<uint16_t>(mVertexCount + vertexCount);
-    if (entry->visible) {
-        reserveOneMore(mSortedEntries);
-        mSortedEntries.push_back(refTo(entry));
-        mIndexCount = static_cast<uint16_t>(mIndexCount + indexCount);
-        mOrderDirty = true;
+    mVertexEnd = static_cast<uint16_t>(mVertexEnd + vertexCount);
+    reserveOneMore(mEntries);
+    mEntries.push_back(mPool.shared(slot));
+    mVerticesDirty = true;
+    join(slot, *typed);
+    return true;
+}
+
+template <class Entry, class Chunk>
+void CChunkDrawList<Entry, Chunk>::join(tSlot slot, Chunk& chunk)
+{
+    tEntry& entry = mPool[slot];
+    const Chunk& constant = chunk;
+    entry.indexCount = static_cast<uint16_t>(indexCountOf(constant));
+    entry.visible = entry.element->getVisibility();
+    entry.order = nextOrder();
+    takeColor(entry);
+    mVertexCount = static_cast<uint16_t>(mVertexCount + entry.vertexCount);
+    ++mLiveCount;
+    if (entry.visible) {
+        insertSorted(refTo(mPool.shared(slot)));
+        mIndexCount = static_cast<uint16_t>(mIndexCount + entry.indexCount);
     } else {
         reserveOneMore(mHiddenEntries);
-        mHiddenEntries.push_back(refTo(entry));
-        mHiddenIndexCount = static_cast<uint16_t>(mHiddenIndexCount + indexCount);
+        mHiddenEntries.push_back(refTo(mPool.shared(slot)));
+        mHiddenIndexCount = static_cast<uint16_t>(mHiddenIndexCount + entry.indexCount);
     }
-    reserveOneMore(mEntries);
-    mEntries.push_back(std::move(entry));
-    chunk->setDrawList(weak_from_this());
-    mVerticesDirty = true;
+    chunk.setHoldCount(chunk.getHoldCount() + 1);
+    chunk.setDrawList(weak_from_this());
+    chunk.setListSlot(static_cast<uint16_t>(slot));
     mIndicesDirty = true;
+}
+
+template <class Entry, class Chunk>
+bool CChunkDrawList<Entry, Chunk>::rejoin(tSlot slot, const boost::shared_ptr<CGraphicElement>& element,
+                                          const boost::shared_ptr<CDrawChunk>& chunk, Chunk& typed)
+{
+    const Chunk& constant = typed;
+    if (mVertexCount + constant.getVertices().size() > MAX_COUNT ||
+        mIndexCount + mHiddenIndexCount + indexCountOf(constant) > MAX_COUNT)
+        return false;
+    tEntry& e = mPool[slot];
+    tParked& kept = mParked[e.indexOffset];
+    // The pair is the one that left when both references still live (an
+    // object at the same address would be another one); its vertices are
+    // still right when neither the matrix nor the chunk changed.
+    const bool same = !e.dirty && !kept.element.expired() && !kept.chunk.expired() &&
+                      kept.fingerprint == fingerprintOf(constant);
+    const tMatrix23 m = same ? element->getMatrix() : tMatrix23();
+    const bool valid = same && memcmp(&m, &kept.matrix, sizeof m) == 0;
+    if (static_cast<size_t>(e.indexOffset) + 1 != mParked.size()) {
+        kept = std::move(mParked.back());
+        mPool[kept.slot].indexOffset = e.indexOffset;
+    }
+    mParked.pop_back();
+    e.element = element;
+    e.chunk = boost::shared_ptr<Chunk>(chunk, &typed);
+    e.parked = false;
+    if (!valid) {
+        e.dirty = true;
+        e.texCoordsDirty = true;
+        e.depth = depthOf(e);
+        mVerticesDirty = true;
+    }
+    join(slot, typed);
     return true;
 }
 
@@ -135,49 +236,106 @@ template <class Entry, class Chunk>
 bool CChunkDrawList<Entry, Chunk>::remove(boost::shared_ptr<CGraphicElement> element,
                                           boost::shared_ptr<CDrawChunk> chunk)
 {
-    if (!holdsTexture(chunk))
-        return false;
-    const tSlot slot = mIndex.find(element.get(), chunk.get());
+    const tSlot slot = lookup(element.get(), chunk.get());
     if (slot == tIndex::NOT_FOUND)
         return false;
-    tEntry* const found = &mPool[slot];
-    mVertexCount = static_cast<uint16_t>(mVertexCount - found->vertexCount);
-    if (found->tinted)
+    tEntry& e = mPool[slot];
+    // The chunk found is this list's kind; it must still carry the list's texture.
+    if (e.parked || e.chunk->getTextureId() != mTextureId)
+        return false;
+    mVertexCount = static_cast<uint16_t>(mVertexCount - e.vertexCount);
+    if (e.tinted) {
         --mTintedCount;
-    mIndex.erase(element.get(), chunk.get());
-
-    // The entries after it close the gap: their vertices move down and are rewritten.
-    bool chunkStillHeld = false;
-    size_t position = NONE;
-    for (size_t i = 0; i < mEntries.size(); ++i) {
-        if (mEntries[i].get() == found)
-            position = i;
-        else if (position != NONE)
-            mEntries[i]->vertexOffset = static_cast<uint16_t>(mEntries[i]->vertexOffset - found->vertexCount);
-        if (mEntries[i].get() != found && mEntries[i]->chunk == chunk)
-            chunkStillHeld = true;
+        e.tinted = false;
     }
-    mEntries.erase(mEntries.begin() + position);
-    if (found->visible) {
-        mIndexCount = static_cast<uint16_t>(mIndexCount - found->indexCount);
-        takeRef(mSortedEntries, *found);
+    if (e.visible) {
+        mIndexCount = static_cast<uint16_t>(mIndexCount - e.indexCount);
+        takeRef(mSortedEntries, e);
     } else {
-        mHiddenIndexCount = static_cast<uint16_t>(mHiddenIndexCount - found->indexCount);
-        takeRef(mHiddenEntries, *found);
+        mHiddenIndexCount = static_cast<uint16_t>(mHiddenIndexCount - e.indexCount);
+        takeRef(mHiddenEntries, e);
     }
-    found->element.reset();
-    found->chunk.reset();
-    mPool.release(slot);
-    if (position < mEntries.size()) {
-        mRewriteFrom = std::min(mRewriteFrom, position);
-        mVerticesDirty = true;
-    } else if (mRewriteFrom != NONE && mRewriteFrom >= mEntries.size()) {
-        mRewriteFrom = NONE;
-    }
-    if (!chunkStillHeld && chunk->getDrawList().lock().get() == this)
-        chunk->setDrawList(boost::weak_ptr<CDrawList>());
+    --mLiveCount;
+    park(slot, *chunk);
     mIndicesDirty = true;
     return true;
+}
+
+template <class Entry, class Chunk>
+void CChunkDrawList<Entry, Chunk>::park(tSlot slot, CDrawChunk& chunk)
+{
+    tEntry& e = mPool[slot];
+    tParked kept;
+    kept.element = e.element;
+    kept.chunk = e.chunk;
+    if (!e.dirty) {
+        kept.matrix = e.element->getMatrix();
+        kept.fingerprint = fingerprintOf(*e.chunk);
+    }
+    kept.slot = slot;
+    e.indexOffset = static_cast<uint16_t>(mParked.size());
+    mParked.push_back(kept);
+    // The entry keeps the pair's addresses for the lookup, without owning it.
+    e.element = boost::shared_ptr<CGraphicElement>(boost::shared_ptr<void>(), e.element.get());
+    e.chunk = boost::shared_ptr<Chunk>(boost::shared_ptr<void>(), e.chunk.get());
+    e.parked = true;
+    e.visible = false;
+    if (releaseHold(chunk) && chunk.getDrawList().lock().get() == this)
+        chunk.setDrawList(boost::weak_ptr<CDrawList>());
+}
+
+template <class Entry, class Chunk>
+void CChunkDrawList<Entry, Chunk>::dropParked(bool goneOnly)
+{
+    size_t dropped = 0;
+    for (size_t i = 0; i < mParked.size(); ++i) {
+        const tParked& kept = mParked[i];
+        if (goneOnly && !kept.element.expired() && !kept.chunk.expired())
+            continue;
+        tEntry& e = mPool[kept.slot];
+        mIndex.erase(e.element.get(), e.chunk.get());
+        e.indexOffset = 0xFFFF;   // marks it for the sweep below
+        ++dropped;
+    }
+    if (dropped == 0)
+        return;
+    // Close the gaps; the entries after the first one are rewritten at their new offsets.
+    size_t w = 0;
+    uint16_t offset = 0;
+    size_t rewriteFrom = NONE;
+    for (size_t i = 0; i < mEntries.size(); ++i) {
+        tEntry& e = *mEntries[i];
+        if (e.parked && e.indexOffset == 0xFFFF)
+            continue;
+        if ((e.vertexOffset != offset || i >= mRewriteFrom) && rewriteFrom == NONE)
+            rewriteFrom = w;
+        e.vertexOffset = offset;
+        offset = static_cast<uint16_t>(offset + e.vertexCount);
+        if (w != i)
+            mEntries[w] = std::move(mEntries[i]);
+        ++w;
+    }
+    mEntries.resize(w);
+    mVertexEnd = offset;
+    mRewriteFrom = rewriteFrom;
+    if (rewriteFrom != NONE)
+        mVerticesDirty = true;
+    size_t k = 0;
+    for (size_t i = 0; i < mParked.size(); ++i) {
+        tEntry& e = mPool[mParked[i].slot];
+        if (e.indexOffset == 0xFFFF) {
+            e.element.reset();
+            e.chunk.reset();
+            e.parked = false;
+            mPool.release(mParked[i].slot);
+        } else {
+            e.indexOffset = static_cast<uint16_t>(k);
+            if (k != i)
+                mParked[k] = std::move(mParked[i]);
+            ++k;
+        }
+    }
+    mParked.resize(k);
 }
 
 template <class Entry, class Chunk>
@@ -267,6 +425,8 @@ void CChunkDrawList<Entry, Chunk>::recolorAll(tPairs& misplaced)
 {
     for (size_t i = 0; i < mEntries.size(); ++i) {
         tEntry& e = *mEntries[i];
+        if (e.parked)
+            continue;
         if (e.chunk->isTranslucentFor(*e.element) != mTranslucent)
             misplaced.push_back(std::make_pair(e.element, boost::shared_ptr<CDrawChunk>(e.chunk)));
         else
@@ -288,10 +448,18 @@ bool CChunkDrawList<Entry, Chunk>::bindColors()
 template <class Entry, class Chunk>
 void CChunkDrawList<Entry, Chunk>::clear()
 {
-    for (size_t i = 0; i < mEntries.size(); ++i)
-        if (mEntries[i]->chunk->getDrawList().lock().get() == this)
-            mEntries[i]->chunk->setDrawList(boost::weak_ptr<CDrawList>());
+    for (size_t i = 0; i < mEntries.size(); ++i) {
+        Chunk& chunk = *mEntries[i]->chunk;
+        if (mEntries[i]->parked)
+            continue;
+        releaseHold(chunk);
+        if (chunk.getDrawList().lock().get() == this)
+            chunk.setDrawList(boost::weak_ptr<CDrawList>());
+    }
     mEntries.clear();
+    mParked.clear();
+    mLiveCount = 0;
+    mVertexEnd = 0;
     mIndex.clear();
     mPool.clear();
     mSortedEntries.clear();
@@ -334,9 +502,11 @@ void CChunkDrawList<Entry, Chunk>::bufferVertices()
     const bool colors = mTintedCount > 0;
     if (colors && !mColorBuffer)
         glGenBuffers(1, &mColorBuffer);
-    if (mBufferedVertexCount < mVertexCount) {
+    if (mBufferedVertexCount < mVertexEnd)
+        dropParked(true);
+    if (mBufferedVertexCount < mVertexEnd) {
         uploadVertices(0, true, colors);
-        mBufferedVertexCount = mVertexCount;
+        mBufferedVertexCount = mVertexEnd;
     } else {
         if (colors && !mColorsValid)
             uploadColors();
@@ -358,17 +528,20 @@ void CChunkDrawList<Entry, Chunk>::uploadVertices(size_t firstEntry, bool alloca
     bool countsMatch = true;
     {
         tVertexStream stream(mVertexBuffer, mTexCoordBuffer, mColorBuffer);
-        const size_t start = firstEntry < mEntries.size() ? mEntries[firstEntry]->vertexOffset : mVertexCount;
-        expected = mVertexCount - start;
+        const size_t start = firstEntry < mEntries.size() ? mEntries[firstEntry]->vertexOffset : mVertexEnd;
+        expected = mVertexEnd - start;
         if (allocate)
-            stream.allocate(mVertexCount);
+            stream.allocate(mVertexEnd);
         stream.seekParts(start, tVertexStream::POSITIONS | (mTexCoords ? tVertexStream::COORDS : 0) |
                                     (colors ? tVertexStream::COLORS : 0));
         for (size_t i = firstEntry; i < mEntries.size(); ++i) {
             if (colors)
                 stream.setColor(colorOf(*mEntries[i]));
             mEntries[i]->colorDirty = false;
-            countsMatch = restream(stream, *mEntries[i]) && countsMatch;
+            if (mEntries[i]->parked)
+                countsMatch = restreamParked(stream, *mEntries[i]) && countsMatch;
+            else
+                countsMatch = restream(stream, *mEntries[i]) && countsMatch;
             written += mEntries[i]->vertexCount;
         }
     }
@@ -384,7 +557,7 @@ void CChunkDrawList<Entry, Chunk>::uploadDirtyVertices(bool colors)
         const unsigned colorPart = colors ? tVertexStream::COLORS : 0;
         for (size_t i = 0; i < mEntries.size(); ++i) {
             tEntry& e = *mEntries[i];
-            if (!e.dirty && !e.colorDirty)
+            if ((!e.dirty && !e.colorDirty) || e.parked)
                 continue;
             if (colors)
                 stream.setColor(colorOf(e));
@@ -435,4 +608,34 @@ void CChunkDrawList<Entry, Chunk>::sortEntries(bool frontToBack)
         });
     mOrderDirty = false;
     mSortedFrontToBack = frontToBack;
+}
+
+template <class Entry, class Chunk>
+bool CChunkDrawList<Entry, Chunk>::restreamParked(tVertexStream& stream, tEntry& e)
+{
+    tParked& kept = mParked[e.indexOffset];
+    const boost::shared_ptr<CGraphicElement> element = kept.element.lock();
+    const boost::shared_ptr<Chunk> chunk = kept.chunk.lock();
+    if (!element || !chunk || static_cast<const Chunk&>(*chunk).getVertices().size() != e.vertexCount) {
+        for (size_t i = 0; i < e.vertexCount; ++i)
+            stream.put(VECT3_0, VECT2_0);
+        e.dirty = true;
+        return true;
+    }
+    // While the pair lives the entry's addresses are its own: it is written as a held one.
+    streamEntry(stream, e);
+    e.depth = depthOf(e);
+    kept.matrix = element->getMatrix();
+    kept.fingerprint = fingerprintOf(*chunk);
+    return true;
+}
+
+template <class Entry, class Chunk>
+bool CChunkDrawList<Entry, Chunk>::releaseHold(CDrawChunk& chunk)
+{
+    const unsigned holds = chunk.getHoldCount();
+    if (holds == CDrawChunk::MAX_HOLDS)
+        return false;   // too many to count: the reference stays
+    chunk.setHoldCount(holds > 0 ? holds - 1 : 0);
+    return holds <= 1;
 }

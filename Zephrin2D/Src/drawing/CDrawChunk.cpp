@@ -1,8 +1,11 @@
 #include "CDrawChunk.h"
 
-CDrawChunk::CDrawChunk() : mTranslucent(false), mListSlot(0xFFFF) {}
+CDrawChunk::CDrawChunk() : mTranslucent(false), mHolds(0), mListSlot(0xFFFF) {}
 
-CDrawChunk::CDrawChunk(unsigned short vertexCount) : mVertices(vertexCount, VECT3_0), mTranslucent(false), mListSlot(0xFFFF) {}
+CDrawChunk::CDrawChunk(unsigned short vertexCount)
+    : mVertices(vertexCount, VECT3_0), mTranslucent(false), mHolds(0), mListSlot(0xFFFF)
+{
+}
 
 CDrawChunk::~CDrawChunk() {}
 

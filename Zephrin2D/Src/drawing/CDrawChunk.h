@@ -5,6 +5,7 @@
 
 #include <boost/shared_ptr.hpp>
 #include <boost/weak_ptr.hpp>
+#include <stdint.h>
 #include <vector>
 
 class CDrawList;
@@ -48,12 +49,19 @@ public:
     /// against the pair before they trust it.
     uint16_t getListSlot() const { return mListSlot; }
     void setListSlot(uint16_t slot) { mListSlot = slot; }
+    /// Draw-list entries holding the chunk, kept by the lists: the chunk's
+    /// list reference is let go when the last of them goes. Once at
+    /// MAX_HOLDS the count stays there and the reference is kept.
+    static constexpr unsigned MAX_HOLDS = 127;
+    unsigned getHoldCount() const { return mHolds; }
+    void setHoldCount(unsigned holds) { mHolds = holds < MAX_HOLDS ? holds : MAX_HOLDS; }
 
 protected:
     std::vector<tVect3> mVertices;
     boost::weak_ptr<CDrawList> mDrawList;
-    bool mTranslucent;
-    // Beside the flag, in room the layout leaves anyway.
+    // The flag, the count and the hint share room the layout leaves anyway.
+    bool mTranslucent : 1;
+    uint8_t mHolds : 7;
     uint16_t mListSlot;
 };
 

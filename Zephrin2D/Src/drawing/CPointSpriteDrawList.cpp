@@ -72,7 +72,7 @@ void CPointSpriteDrawList::prepare()
 {
     for (size_t i = 0; i < mEntries.size(); ++i) {
         tEntry& e = *mEntries[i];
-        if (e.chunk->getRevision() != e.revision) {
+        if (!e.parked && e.chunk->getRevision() != e.revision) {
             e.dirty = true;
             mVerticesDirty = true;
         }

@@ -37,6 +37,10 @@ public:
 private:
     bool streamEntry(tVertexStream& stream, tEntry& entry) override;
     size_t indexCountOf(const CTexturedChunk& chunk) const override { return chunk.getIndices().size(); }
+    uint64_t fingerprintOf(const CTexturedChunk& chunk) const override
+    {
+        return hashed(chunk.getTexCoords(), CChunkDrawList::fingerprintOf(chunk));
+    }
     void bufferIndices();
     static constexpr size_t UNKNOWN_COUNT = static_cast<size_t>(-1);
     /// Writes the indices of sorted entries [first, last), count of them or
