@@ -116,7 +116,11 @@ public:
         return static_cast<bool>(find(element, chunk));
     }
     tRecolor recolor(const boost::shared_ptr<CGraphicElement>& element,
-                     const boost::shared_ptr<CDrawChunk>& chunk) override;
+                     const boost::shared_ptr<CDrawChunk>& chunk) override
+    {
+        return element ? recolorHeld(*element, chunk) : NOT_HELD;
+    }
+    tRecolor recolorHeld(CGraphicElement& element, const boost::shared_ptr<CDrawChunk>& chunk) override;
     void recolorAll(tPairs& misplaced) override;
 
     uint32_t getTextureId() const { return mTextureId; }
@@ -183,6 +187,8 @@ protected:
     }
     tEntry* find(const CGraphicElement* element, CDrawChunk* chunk) const
     {
+        if (!chunk)
+            return 0;
         const uint32_t slot = lookup(element, chunk);
         return slot == tIndex::NOT_FOUND || mPool[slot].parked ? 0 : &mPool[slot];
     }

@@ -408,13 +408,13 @@ void CChunkDrawList<Entry, Chunk>::takeColor(tEntry& e)
 }
 
 template <class Entry, class Chunk>
-CDrawList::tRecolor CChunkDrawList<Entry, Chunk>::recolor(const boost::shared_ptr<CGraphicElement>& element,
-                                                           const boost::shared_ptr<CDrawChunk>& chunk)
+CDrawList::tRecolor CChunkDrawList<Entry, Chunk>::recolorHeld(CGraphicElement& element,
+                                                               const boost::shared_ptr<CDrawChunk>& chunk)
 {
-    tEntry* const entry = find(element, chunk);
+    tEntry* const entry = find(&element, chunk.get());
     if (!entry)
         return NOT_HELD;
-    if (entry->chunk->isTranslucentFor(*element) != mTranslucent)
+    if (entry->chunk->isTranslucentFor(element) != mTranslucent)
         return MISPLACED;
     takeColor(*entry);
     return RECOLORED;

@@ -58,6 +58,8 @@ public:
     {
         return RECOLORED;
     }
+    /// The same, called by the element itself, as markMoved is.
+    virtual tRecolor recolorHeld(CGraphicElement& element, const boost::shared_ptr<CDrawChunk>& chunk);
     /// Element colours were turned on or off for all: every entry takes its
     /// colour again; the pairs that belong in a list of the other kind are added to misplaced.
     virtual void recolorAll(tPairs& /*misplaced*/) {}

@@ -94,14 +94,7 @@ size_t CTexturedDrawList::uploadIndices(size_t first, size_t last, size_t count,
             const std::vector<uint16_t>& indices = e->chunk->getIndices();
             countsMatch = countsMatch && indices.size() == e->indexCount;
             const size_t have = std::min(indices.size(), static_cast<size_t>(e->indexCount));
-            for (size_t i = 0; i < have; ++i) {
-                uint16_t index = indices[i];
-                if (index >= e->vertexCount) {
-                    inRange = false;
-                    index = 0;
-                }
-                stream.put(static_cast<uint16_t>(index + e->vertexOffset));
-            }
+            inRange = stream.putChunk(indices.data(), have, e->vertexOffset, e->vertexCount) && inRange;
             for (size_t i = have; i < e->indexCount; ++i)
                 stream.put(e->vertexOffset);
             written += e->indexCount;

@@ -28,6 +28,39 @@ public:
         if (++mCount == BLOCK)
             flush(false);
     }
+    /// The n indices of a chunk of vertexCount vertices, each moved by
+    /// offset; one past the chunk's vertices is written as its first vertex
+    /// and makes the result false.
+    bool putChunk(const uint16_t* indices, size_t n, uint16_t offset, uint16_t vertexCount)
+    {
+        bool inRange = true;
+        if (mCount + n >= BLOCK) {
+            // Across a block's end: one by one, so that blocks end where they always did.
+            for (size_t i = 0; i < n; ++i) {
+                inRange = inRange && indices[i] < vertexCount;
+                put(static_cast<uint16_t>((indices[i] < vertexCount ? indices[i] : 0) + offset));
+            }
+            return inRange;
+        }
+        uint16_t* const out = mIndices + mCount;
+        unsigned past = 0;
+        const auto one = [&](size_t i) {
+            past |= indices[i] >= vertexCount;
+            out[i] = static_cast<uint16_t>(indices[i] + offset);
+        };
+        if (n == 6) {
+            // A quad's two triangles, the common chunk.
+            one(0), one(1), one(2), one(3), one(4), one(5);
+        } else {
+            for (size_t i = 0; i < n; ++i)
+                one(i);
+        }
+        for (size_t i = 0; past && i < n; ++i)
+            if (indices[i] >= vertexCount)
+                out[i] = offset;
+        mCount += n;
+        return !past;
+    }
     size_t written() const { return mStart + mCount; }
 
 private:

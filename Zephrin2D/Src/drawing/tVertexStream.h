@@ -75,6 +75,12 @@ public:
     /// count vertices of the current colour, for a stream of colours only.
     void putColors(size_t count)
     {
+        if (count == 4 && mCount + count < BLOCK) {
+            tColor* const out = mColors + mCount;
+            out[0] = out[1] = out[2] = out[3] = mColor;
+            mCount += count;
+            return;
+        }
         for (size_t i = 0; i < count; ++i) {
             mColors[mCount] = mColor;
             if (++mCount == BLOCK)

@@ -115,10 +115,16 @@ void CGraphicElement::colorChanged()
 {
     if (!mDrawManaged)
         return;
-    boost::shared_ptr<CGraphicElement> self = shared_from_this();
     tChunkList& chunks = getChunks();
-    for (size_t i = 0; i < chunks.size(); ++i)
-        CDrawManager::Instance()->recolor(self, chunks[i]);
+    for (size_t i = 0; i < chunks.size(); ++i) {
+        if (!chunks[i])
+            continue;
+        // The list that holds the pair takes the colour; the manager moves a
+        // pair that now belongs in a list of the other kind, or finds it.
+        const boost::shared_ptr<CDrawList> list = chunks[i]->getDrawList().lock();
+        if (!list || list->recolorHeld(*this, chunks[i]) != CDrawList::RECOLORED)
+            CDrawManager::Instance()->recolor(shared_from_this(), chunks[i]);
+    }
 }
 
 tMatrix23 CGraphicElement::getMatrix()
