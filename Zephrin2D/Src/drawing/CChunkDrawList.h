@@ -271,7 +271,7 @@ private:
             return mSortedFrontToBack ? a.depth > b.depth : a.depth < b.depth;
         return a.order < b.order;
     }
-    /// Adds the reference to the sorted entries, in place while they are in order.
+    /// Adds the reference to the sorted entries (they are sorted at the next draw).
     void insertSorted(const tEntryRef& ref);
     /// Makes the entry count as held: counts, references, colour, the chunk's list.
     void join(tSlot slot, Chunk& chunk);

@@ -36,34 +36,39 @@ CChunkDrawList<Entry, Chunk>::takeRef(std::vector<tEntryRef>& refs, const tEntry
     tEntryRef ref;
     ref.depth = entry.depth;
     ref.order = entry.order;
+    const bool sorted = &refs == &mSortedEntries && !mOrderDirty;
     size_t i = 0;
-    if (&refs == &mSortedEntries && !mOrderDirty) {
-        i = static_cast<size_t>(std::lower_bound(refs.begin(), refs.end(), ref, [this](const tEntryRef& a, const tEntryRef& b) {
+    if (sorted) {
+        i = static_cast<size_t>(std::lower_bound(refs.begin(), refs.end(), ref, [this](const tEntryRef& a,
+                                                                                      const tEntryRef& b) {
                                     return drawsBefore(a, b);
                                 }) - refs.begin());
         if (i == refs.size() || refs[i].order != entry.order)
             i = 0;
     }
-    for (; i < refs.size(); ++i)
-        if (refs[i].order == entry.order) {
-            ref = refs[i];
-            refs.erase(refs.begin() + i);
-            return ref;
-        }
-    return tEntryRef();
+    while (i < refs.size() && refs[i].order != entry.order)
+        ++i;
+    if (i == refs.size())
+        return tEntryRef();
+    ref = std::move(refs[i]);
+    // In draw order the gap closes; otherwise (hidden ones, or a sort is due) the last one fills it.
+    if (sorted) {
+        refs.erase(refs.begin() + i);
+    } else {
+        if (i + 1 != refs.size())
+            refs[i] = std::move(refs.back());
+        refs.pop_back();
+    }
+    return ref;
 }
 
 template <class Entry, class Chunk>
 void CChunkDrawList<Entry, Chunk>::insertSorted(const tEntryRef& ref)
 {
+    // Sorted at the next draw: moving every later reference now would cost more.
     reserveOneMore(mSortedEntries);
-    if (mOrderDirty) {
-        mSortedEntries.push_back(ref);
-        return;
-    }
-    mSortedEntries.insert(std::upper_bound(mSortedEntries.begin(), mSortedEntries.end(), ref,
-                                           [this](const tEntryRef& a, const tEntryRef& b) { return drawsBefore(a, b); }),
-                          ref);
+    mSortedEntries.push_back(ref);
+    mOrderDirty = true;
 }
 
 template <class Entry, class Chunk>
@@ -144,6 +149,7 @@ bool CChunkDrawList<Entry, Chunk>::add(boost::shared_ptr<CGraphicElement> elemen
     if (!mHasTexture) {
         BaseUtils::Assert(typed->getTextureId() != 0, mMessages.file, __LINE__, mMessages.noTexture);
         mTextureId = typed->getTextureId();
+        mTextureKey = mTextureId;
         mTranslucent = translucent;
         mHasTexture = true;
     }

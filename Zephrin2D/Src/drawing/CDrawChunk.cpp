@@ -1,9 +1,9 @@
 #include "CDrawChunk.h"
 
-CDrawChunk::CDrawChunk() : mTranslucent(false), mHolds(0), mListSlot(0xFFFF) {}
+CDrawChunk::CDrawChunk() : mTranslucent(false), mHolds(0), mListSlot(0xFFFF), mTextureId(0) {}
 
 CDrawChunk::CDrawChunk(unsigned short vertexCount)
-    : mVertices(vertexCount, VECT3_0), mTranslucent(false), mHolds(0), mListSlot(0xFFFF)
+    : mVertices(vertexCount, VECT3_0), mTranslucent(false), mHolds(0), mListSlot(0xFFFF), mTextureId(0)
 {
 }
 

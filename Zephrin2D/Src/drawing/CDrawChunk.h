@@ -48,6 +48,8 @@ public:
     /// hint that spares a moved element's list the lookup. Lists check it
     /// against the pair before they trust it.
     uint16_t getListSlot() const { return mListSlot; }
+    /// The GL texture the chunk shows (0: none); draw lists batch by it.
+    uint32_t getTextureId() const { return mTextureId; }
     void setListSlot(uint16_t slot) { mListSlot = slot; }
     /// Draw-list entries holding the chunk, kept by the lists: the chunk's
     /// list reference is let go when the last of them goes. Once at
@@ -63,6 +65,7 @@ protected:
     bool mTranslucent : 1;
     uint8_t mHolds : 7;
     uint16_t mListSlot;
+    uint32_t mTextureId;
 };
 
 #endif

@@ -3,6 +3,7 @@
 
 #include <boost/enable_shared_from_this.hpp>
 #include <boost/shared_ptr.hpp>
+#include <stdint.h>
 #include <utility>
 #include <vector>
 
@@ -21,6 +22,7 @@ public:
     enum tRecolor { RECOLORED, NOT_HELD, MISPLACED };
     typedef std::vector<std::pair<boost::shared_ptr<CGraphicElement>, boost::shared_ptr<CDrawChunk> > > tPairs;
 
+    CDrawList() : mTextureKey(0) {}
     virtual ~CDrawList() {}
 
     /// Accepts the pair, or refuses it (false) so the manager tries another list.
@@ -49,6 +51,9 @@ public:
 
     /// Whether the list takes translucent chunks (fixed by its first chunk).
     virtual bool isTranslucent() const = 0;
+    /// False when the list surely refuses chunks of this texture: the
+    /// manager asks it before add, which costs more to refuse.
+    bool mayTake(uint32_t textureId) const { return mTextureKey == 0 || mTextureKey == textureId; }
     /// Whether the list holds this very pair.
     virtual bool contains(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) const = 0;
     /// The element's colour changed: takes it at the next draw, or answers
@@ -63,6 +68,10 @@ public:
     /// Element colours were turned on or off for all: every entry takes its
     /// colour again; the pairs that belong in a list of the other kind are added to misplaced.
     virtual void recolorAll(tPairs& /*misplaced*/) {}
+
+protected:
+    /// The one texture a list holds chunks of, once it knows it (0 until then, or for any).
+    uint32_t mTextureKey;
 };
 
 #endif

@@ -82,8 +82,9 @@ void CDrawManager::add(boost::shared_ptr<CGraphicElement> element, boost::shared
     if (holder && holder->contains(element, chunk))
         return;
     tListQueue& queue = chunk->isTranslucentFor(*element) ? mTranslucentLists : mOpaqueLists;
+    const uint32_t textureId = chunk->getTextureId();
     for (size_t i = 0; i < queue.size(); ++i)
-        if (queue[i]->add(element, chunk))
+        if (queue[i]->mayTake(textureId) && queue[i]->add(element, chunk))
             return;
     boost::shared_ptr<CDrawList> list = chunk->createDrawList();
     if (list && list->add(element, chunk))
@@ -142,7 +143,13 @@ void CDrawManager::recolor(const boost::shared_ptr<CGraphicElement>& element,
 
 void CDrawManager::remove(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk)
 {
-    boost::shared_ptr<CDrawList> list = listOf(element, chunk);
+    if (!element || !chunk)
+        return;
+    // The list the chunk names refuses a pair it does not hold; only then is there a search.
+    boost::shared_ptr<CDrawList> list = chunk->getDrawList().lock();
+    if (list && list->remove(element, chunk))
+        return;
+    list = listOf(element, chunk);
     if (list)
         list->remove(element, chunk);
 }

@@ -16,18 +16,19 @@ tFixed firstZ(const std::vector<tVect3>& vertices) { return vertices.empty() ? Z
 
 } // namespace
 
-CPointSpriteChunk::CPointSpriteChunk() : mTextureId(0), mPointSize(ZERO_X), mRevision(0) {}
+CPointSpriteChunk::CPointSpriteChunk() : mPointSize(ZERO_X), mRevision(0) {}
 
 CPointSpriteChunk::CPointSpriteChunk(unsigned short vertexCount)
-    : CDrawChunk(vertexCount), mTextureId(0), mPointSize(ZERO_X), mRevision(0)
+    : CDrawChunk(vertexCount), mPointSize(ZERO_X), mRevision(0)
 {
 }
 
 CPointSpriteChunk::CPointSpriteChunk(const CPointSpriteChunk& other)
-    : CDrawChunk(), mTextureId(other.mTextureId), mTexture(other.mTexture), mPointSize(other.mPointSize), mRevision(0)
+    : CDrawChunk(), mTexture(other.mTexture), mPointSize(other.mPointSize), mRevision(0)
 {
     mVertices = other.mVertices;
     mTranslucent = other.mTranslucent;
+    mTextureId = other.mTextureId;
 }
 
 void CPointSpriteChunk::setTexture(boost::shared_ptr<CTexture> texture)

@@ -25,7 +25,6 @@ public:
     /// Takes the texture and its translucency; the chunk then belongs to no list.
     void setTexture(boost::shared_ptr<CTexture> texture);
     boost::shared_ptr<CTexture> getTexture() const { return mTexture; }
-    uint32_t getTextureId() const { return mTextureId; }
 
     /// Sprite size in pixels; 0 (the default) means the texture's width.
     void setPointSize(tFixed size) { mPointSize = size; }
@@ -54,7 +53,6 @@ public:
 private:
     CPointSpriteChunk& operator=(const CPointSpriteChunk&);
 
-    uint32_t mTextureId;
     boost::shared_ptr<CTexture> mTexture;
     tFixed mPointSize;
     uint32_t mRevision;

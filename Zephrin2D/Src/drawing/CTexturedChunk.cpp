@@ -20,19 +20,20 @@ tFixed firstZ(const std::vector<tVect3>& vertices) { return vertices.empty() ? Z
 } // namespace
 
 // A billboard's chunk and its control block share one heap block: the
-// base's flag, hold count and slot hint share a word with the texture id.
+// base's flag, hold count and slot hint share a word.
 static_assert(sizeof(CTexturedChunk) <= 5 * sizeof(std::vector<int>) + sizeof(uint32_t), "chunk grew");
 
 CTexturedChunk::CTexturedChunk(unsigned short vertexCount, unsigned short indexCount)
-    : CDrawChunk(vertexCount), mTextureId(0), mIndices(indexCount, 0), mTexCoords(vertexCount, VECT2_0)
+    : CDrawChunk(vertexCount), mIndices(indexCount, 0), mTexCoords(vertexCount, VECT2_0)
 {
 }
 
 CTexturedChunk::CTexturedChunk(const CTexturedChunk& other)
-    : CDrawChunk(), mTextureId(other.mTextureId), mIndices(other.mIndices), mTexCoords(other.mTexCoords),
+    : CDrawChunk(), mIndices(other.mIndices), mTexCoords(other.mTexCoords),
       mTexture(other.mTexture)
 {
     mVertices = other.mVertices;
+    mTextureId = other.mTextureId;
     mTranslucent = other.mTranslucent;
 }
 

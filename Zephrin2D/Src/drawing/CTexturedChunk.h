@@ -45,7 +45,6 @@ public:
     const std::vector<uint16_t>& getIndices() const { return mIndices; }
     std::vector<tVect2>& getTexCoords() { return mTexCoords; }
     const std::vector<tVect2>& getTexCoords() const { return mTexCoords; }
-    uint32_t getTextureId() const { return mTextureId; }
     boost::shared_ptr<CTexture> getTexture() const { return mTexture; }
 
     /// Whether a texture in this GL internal format needs blending.
@@ -55,7 +54,6 @@ private:
     CTexturedChunk& operator=(const CTexturedChunk&);
 
     // First, so that it fills the room the base leaves after its flag.
-    uint32_t mTextureId;
     std::vector<uint16_t> mIndices;
     std::vector<tVect2> mTexCoords;
     boost::shared_ptr<CTexture> mTexture;
