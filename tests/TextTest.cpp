@@ -73,8 +73,9 @@ TEST_F(TextTest, MegabyteTextAndExtremeRectangles)
         t->setAlignment(c.align);
         t->remakeTexture();
         EXPECT_EQ(t->getTextureWidth(), c.wantW) << c.w;
-        if (c.wantH)
+        if (c.wantH) {
             EXPECT_EQ(t->getTextureHeight(), c.wantH) << c.h;
+        }
     }
     EXPECT_TRUE(asserts.entries().empty());
     // A rest too short to reach the width is drawn as one line unmeasured: as the measured line.
@@ -168,8 +169,9 @@ TEST_F(TextTest, ImmediateDrawMatchesBatchedDraw)
         f->setColorEnabled(on);
         f->alphaTo(128);
         frame();
-        if (on)
+        if (on) {
             EXPECT_EQ(ImageIO::compare(faded, readFrame(), 2).pixelsOver, 0);
+        }
         faded = readFrame();
         CDrawManager::Instance()->remove(f);
     }
