@@ -7,6 +7,7 @@
 #include "CTexturedDrawList.h"
 
 #include <GLES/gl.h>
+#include <functional>
 
 using namespace DrawTest;
 
@@ -141,6 +142,28 @@ TEST_F(DrawListTest, MovingOneOfAHundredUploadsOnlyItsPositions)
         elements[i * 7]->moveBy(tVect2{ONE_X, ZERO_X});
     frame();
     EXPECT_EQ(AllocationCounter::count() - before, 0u) << "moving frames allocate nothing";
+}
+
+TEST_F(DrawListTest, TranslatedRotatedAndScaledQuadsDrawWhereTheirTransformPuts)
+{
+    // A 4 x 12 quad at (20, 20); moves rebuild only the translation of the cached matrix.
+    boost::shared_ptr<Element> e = quadElement(solidTexture(RED), 20, 20, Z(0), 4, 12);
+    manager()->add(e);
+    struct {
+        std::function<void(Element&)> op;
+        int redX, redY, blackX, blackY;
+    } steps[] = {
+        {[](Element& q) { q.rotateTo(tFixed(90)); }, 10, 22, 22, 30},               // x 8..20, y 20..24
+        {[](Element& q) { q.moveBy(tVect2{tFixed(20), ZERO_X}); }, 30, 22, 10, 22},  // x 28..40
+        {[](Element& q) { q.scaleTo(tVect2{tFixed(2), ONE_X}); }, 30, 26, 30, 30},   // y 20..28
+        {[](Element& q) { q.rotateTo(ZERO_X); q.moveBy(tVect2{tFixed(-20), ZERO_X}); }, 26, 30, 30, 22},
+    };
+    for (size_t i = 0; i < sizeof(steps) / sizeof(steps[0]); ++i) {
+        steps[i].op(*e);
+        frame();
+        EXPECT_EQ(pixel(steps[i].redX, steps[i].redY), RED) << "step " << i;
+        EXPECT_EQ(pixel(steps[i].blackX, steps[i].blackY), BLACK) << "step " << i;
+    }
 }
 
 TEST_F(DrawListTest, RemovedPairKeepsItsRoomForItsReturn)

@@ -189,6 +189,13 @@ protected:
     {
         if (!chunk)
             return 0;
+        // The hint first, inline: a moved element's entry is found with one pool access.
+        const tSlot hint = chunk->getListSlot();
+        if (mPool.holds(hint)) {
+            tEntry& e = mPool[hint];
+            if (e.element.get() == element && e.chunk.get() == chunk)
+                return e.parked ? 0 : &e;
+        }
         const uint32_t slot = lookup(element, chunk);
         return slot == tIndex::NOT_FOUND || mPool[slot].parked ? 0 : &mPool[slot];
     }

@@ -56,12 +56,17 @@ public:
         if (mCount + n > BLOCK)
             flush();
         tVect3* const out = mPositions + mCount;
-        if (n == 4) {
-            // A quad, the common chunk: unrolled, its matrix stays in registers.
-            out[0] = m * vertices[0];
-            out[1] = m * vertices[1];
-            out[2] = m * vertices[2];
-            out[3] = m * vertices[3];
+        const tVect3* const v = vertices;
+        if (n == 4 && v[0].x == v[2].x && v[1].x == v[3].x && v[0].y == v[1].y && v[2].y == v[3].y) {
+            // A billboard's quad: two columns and two rows, so half the products
+            // serve two corners each (every product is rounded on its own, so
+            // the sums are exactly those of the matrix product).
+            const tFixed ax0 = m.m00 * v[0].x, ax1 = m.m00 * v[1].x, cx0 = m.m10 * v[0].x, cx1 = m.m10 * v[1].x;
+            const tFixed by0 = m.m01 * v[0].y, by2 = m.m01 * v[2].y, dy0 = m.m11 * v[0].y, dy2 = m.m11 * v[2].y;
+            out[0] = tVect3{m.m02 + ax0 + by0, m.m12 + cx0 + dy0, v[0].z + m.z};
+            out[1] = tVect3{m.m02 + ax1 + by0, m.m12 + cx1 + dy0, v[1].z + m.z};
+            out[2] = tVect3{m.m02 + ax0 + by2, m.m12 + cx0 + dy2, v[2].z + m.z};
+            out[3] = tVect3{m.m02 + ax1 + by2, m.m12 + cx1 + dy2, v[3].z + m.z};
         } else {
             for (size_t i = 0; i < n; ++i)
                 out[i] = m * vertices[i];
