@@ -350,8 +350,8 @@ CGraphicElement::tChunkList& CActor2D::getChunks()
 boost::shared_ptr<CGraphicElement> CActor2D::managedSelf()
 {
     boost::shared_ptr<CGraphicElement> self = weak_from_this().lock();
-    BaseUtils::Assert(self.get() != 0, SOURCE, __LINE__,
-                      "CActor2D draw-managed actor is not held by a shared_ptr\n");
+    if (!self)
+        BaseUtils::Assert(false, SOURCE, __LINE__, "CActor2D draw-managed actor is not held by a shared_ptr\n");
     return self;
 }
 

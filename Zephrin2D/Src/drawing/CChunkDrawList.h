@@ -128,7 +128,7 @@ public:
     size_t getEntryCount() const { return mLiveCount; }
     /// Entries kept for pairs that left the list.
     size_t getParkedEntryCount() const { return mParked.size(); }
-    size_t getVisibleEntryCount() const { return mSortedEntries.size(); }
+    size_t getVisibleEntryCount() const { return mSortedEntries.size() - mDeadRefs; }
     size_t getHiddenEntryCount() const { return mHiddenEntries.size(); }
     /// Whether the list draws with a colour array (it holds an element of another colour than opaque white).
     bool hasColors() const { return mTintedCount > 0; }
@@ -149,7 +149,7 @@ protected:
     CChunkDrawList(const tMessages& messages, bool texCoords)
         : mTranslucent(false), mHasTexture(false), mTextureId(0), mVertexBuffer(0), mTexCoordBuffer(0),
           mBufferedVertexCount(0), mVertexCount(0), mVerticesDirty(false), mIndexCount(0), mHiddenIndexCount(0),
-          mIndicesDirty(false), mColorBuffer(0), mTintedCount(0), mColorsValid(false), mAlphaCursor(0), mOrderDirty(false), mSortedFrontToBack(false), mRewriteFrom(NONE),
+          mIndicesDirty(false), mColorBuffer(0), mTintedCount(0), mColorsValid(false), mAlphaCursor(0), mOrderDirty(false), mSortedPrefix(0), mDeadRefs(0), mSortedFrontToBack(false), mRewriteFrom(NONE),
           mNextOrder(0), mVertexEnd(0), mLiveCount(0), mIndex(mPool), mMessages(messages), mTexCoords(texCoords)
     {
     }
@@ -166,19 +166,24 @@ protected:
     /// positions, and what else a subclass writes per vertex. A pair comes
     /// back to its kept vertices only when this did not change meanwhile.
     virtual uint64_t fingerprintOf(const Chunk& chunk) const { return hashed(chunk.getVertices(), 0); }
-    static uint64_t hashed(const std::vector<tVect3>& v, uint64_t h)
+    /// The bytes of v, eight at a time.
+    template <class V> static uint64_t hashed(const std::vector<V>& v, uint64_t h)
     {
-        for (size_t i = 0; i < v.size(); ++i)
-            h = mix(mix(mix(h, v[i].x.raw()), v[i].y.raw()), v[i].z.raw());
+        const unsigned char* bytes = reinterpret_cast<const unsigned char*>(v.data());
+        const size_t size = v.size() * sizeof(V);
+        size_t i = 0;
+        for (; i + 8 <= size; i += 8) {
+            uint64_t word;
+            memcpy(&word, bytes + i, 8);
+            h = (h ^ word) * 0x100000001B3ull;
+        }
+        if (i < size) {
+            uint32_t word;   // the sizes are multiples of 4
+            memcpy(&word, bytes + i, 4);
+            h = (h ^ word) * 0x100000001B3ull;
+        }
         return h;
     }
-    static uint64_t hashed(const std::vector<tVect2>& v, uint64_t h)
-    {
-        for (size_t i = 0; i < v.size(); ++i)
-            h = mix(mix(h, v[i].x.raw()), v[i].y.raw());
-        return h;
-    }
-    static uint64_t mix(uint64_t h, int32_t word) { return (h ^ static_cast<uint32_t>(word)) * 0x100000001B3ull; }
 
     /// The pair's entry, or none (also when it is parked).
     tEntry* find(const boost::shared_ptr<CGraphicElement>& element, const boost::shared_ptr<CDrawChunk>& chunk) const
@@ -202,6 +207,8 @@ protected:
     void markDirty(const CGraphicElement* element, CDrawChunk* chunk, bool texCoords);
     /// Orders the visible entries by depth (ties by acceptance).
     void sortEntries(bool frontToBack);
+    /// Drops the references of entries taken out since the last sort.
+    void purgeDeadRefs();
     /// The first depth a translucent pass draws, after rewinding it.
     int startAlphaPass()
     {
@@ -235,6 +242,11 @@ protected:
     size_t mAlphaCursor;
     /// The sorted entries must be re-sorted (a depth, the membership or the direction changed).
     bool mOrderDirty;
+    /// The first sorted references are in draw order as of the last sort
+    /// (those of entries taken out since are left in place, dead, so that
+    /// the others are still found by a binary search); later ones were appended.
+    size_t mSortedPrefix;
+    size_t mDeadRefs;
     bool mSortedFrontToBack;
 
 private:
@@ -253,7 +265,7 @@ private:
         boost::weak_ptr<CGraphicElement> element;
         boost::weak_ptr<Chunk> chunk;
         tMatrix23 matrix;
-        uint64_t fingerprint;
+        uint64_t fingerprint = 0;
         tSlot slot;
     };
 

@@ -33,33 +33,55 @@ template <class Entry, class Chunk>
 typename CChunkDrawList<Entry, Chunk>::tEntryRef
 CChunkDrawList<Entry, Chunk>::takeRef(std::vector<tEntryRef>& refs, const tEntry& entry)
 {
-    tEntryRef ref;
-    ref.depth = entry.depth;
-    ref.order = entry.order;
-    const bool sorted = &refs == &mSortedEntries && !mOrderDirty;
-    size_t i = 0;
-    if (sorted) {
-        i = static_cast<size_t>(std::lower_bound(refs.begin(), refs.end(), ref, [this](const tEntryRef& a,
-                                                                                      const tEntryRef& b) {
-                                    return drawsBefore(a, b);
-                                }) - refs.begin());
-        if (i == refs.size() || refs[i].order != entry.order)
+    tEntryRef key;
+    key.depth = entry.depth;
+    key.order = entry.order;
+    size_t from = 0;
+    if (&refs == &mSortedEntries) {
+        // In the part in draw order the reference is found by its depth and
+        // order, and left in place, dead, until the next sort.
+        const typename std::vector<tEntryRef>::iterator end = refs.begin() + mSortedPrefix;
+        const typename std::vector<tEntryRef>::iterator it =
+            std::lower_bound(refs.begin(), end, key, [this](const tEntryRef& a, const tEntryRef& b) {
+                return drawsBefore(a, b);
+            });
+        size_t i = static_cast<size_t>(it - refs.begin());
+        if (i == mSortedPrefix || refs[i].order != entry.order) {
+            // Its depth changed since the sort: looked for by its order alone.
             i = 0;
+            while (i < mSortedPrefix && refs[i].order != entry.order)
+                ++i;
+        }
+        if (i < mSortedPrefix && !refs[i].entry.expired()) {
+            tEntryRef ref = refs[i];
+            refs[i].entry.reset();
+            ++mDeadRefs;
+            mOrderDirty = true;
+            return ref;
+        }
+        from = mSortedPrefix;
     }
-    while (i < refs.size() && refs[i].order != entry.order)
-        ++i;
-    if (i == refs.size())
-        return tEntryRef();
-    ref = std::move(refs[i]);
-    // In draw order the gap closes; otherwise (hidden ones, or a sort is due) the last one fills it.
-    if (sorted) {
-        refs.erase(refs.begin() + i);
-    } else {
-        if (i + 1 != refs.size())
-            refs[i] = std::move(refs.back());
-        refs.pop_back();
-    }
-    return ref;
+    // Past the part in draw order (and among the hidden ones) order does not matter: the last one fills the gap.
+    for (size_t i = from; i < refs.size(); ++i)
+        if (refs[i].order == entry.order) {
+            tEntryRef ref = std::move(refs[i]);
+            if (i + 1 != refs.size())
+                refs[i] = std::move(refs.back());
+            refs.pop_back();
+            return ref;
+        }
+    return tEntryRef();
+}
+
+template <class Entry, class Chunk>
+void CChunkDrawList<Entry, Chunk>::purgeDeadRefs()
+{
+    if (mDeadRefs > 0)
+        mSortedEntries.erase(std::remove_if(mSortedEntries.begin(), mSortedEntries.end(),
+                                            [](const tEntryRef& r) { return r.entry.expired(); }),
+                             mSortedEntries.end());
+    mDeadRefs = 0;
+    mSortedPrefix = 0;
 }
 
 template <class Entry, class Chunk>
@@ -77,6 +99,7 @@ uint32_t CChunkDrawList<Entry, Chunk>::nextOrder()
     if (mNextOrder >= ORDER_LIMIT) {
         // The held entries keep their relative order: both reference lists
         // are put in acceptance order and numbered as one, merged.
+        purgeDeadRefs();
         const auto byOrder = [](const tEntryRef& a, const tEntryRef& b) { return a.order < b.order; };
         std::sort(mSortedEntries.begin(), mSortedEntries.end(), byOrder);
         std::sort(mHiddenEntries.begin(), mHiddenEntries.end(), byOrder);
@@ -271,7 +294,9 @@ template <class Entry, class Chunk>
 void CChunkDrawList<Entry, Chunk>::park(tSlot slot, CDrawChunk& chunk)
 {
     tEntry& e = mPool[slot];
-    tParked kept;
+    e.indexOffset = static_cast<uint16_t>(mParked.size());
+    mParked.emplace_back();
+    tParked& kept = mParked.back();
     kept.element = e.element;
     kept.chunk = e.chunk;
     if (!e.dirty) {
@@ -279,8 +304,6 @@ void CChunkDrawList<Entry, Chunk>::park(tSlot slot, CDrawChunk& chunk)
         kept.fingerprint = fingerprintOf(*e.chunk);
     }
     kept.slot = slot;
-    e.indexOffset = static_cast<uint16_t>(mParked.size());
-    mParked.push_back(kept);
     // The entry keeps the pair's addresses for the lookup, without owning it.
     e.element = boost::shared_ptr<CGraphicElement>(boost::shared_ptr<void>(), e.element.get());
     e.chunk = boost::shared_ptr<Chunk>(boost::shared_ptr<void>(), e.chunk.get());
@@ -469,6 +492,8 @@ void CChunkDrawList<Entry, Chunk>::clear()
     mIndex.clear();
     mPool.clear();
     mSortedEntries.clear();
+    mSortedPrefix = 0;
+    mDeadRefs = 0;
     mHiddenEntries.clear();
     mAlphaCursor = 0;
     mVertexCount = 0;
@@ -597,6 +622,7 @@ void CChunkDrawList<Entry, Chunk>::uploadColors()
 template <class Entry, class Chunk>
 void CChunkDrawList<Entry, Chunk>::sortEntries(bool frontToBack)
 {
+    purgeDeadRefs();
     for (size_t i = 0; i < mSortedEntries.size(); ++i) {
         boost::shared_ptr<tEntry> e = mSortedEntries[i].entry.lock();
         if (e) {
@@ -614,6 +640,7 @@ void CChunkDrawList<Entry, Chunk>::sortEntries(bool frontToBack)
         });
     mOrderDirty = false;
     mSortedFrontToBack = frontToBack;
+    mSortedPrefix = mSortedEntries.size();
 }
 
 template <class Entry, class Chunk>

@@ -104,6 +104,7 @@ void CPointSpriteDrawList::endPoints()
 void CPointSpriteDrawList::draw()
 {
     prepare();
+    purgeDeadRefs();
     if (mSortedEntries.empty())
         return;
     beginPoints();
