@@ -63,8 +63,9 @@ TEST_F(ActorDrawTest, CelChangeSwapsListEntriesAndPixels)
     frame();
     EXPECT_EQ(pixel(10, 10), RED);
 
-    struct { int elapsed; GLuint shown, hidden; tColor color; } steps[] = {
-        {99, red, green, RED}, {1, green, red, GREEN}, {100, red, green, RED}, {150, green, red, GREEN},
+    // A cel shown again is drawn from the vertices its list kept: no vertex upload.
+    struct { int elapsed; GLuint shown, hidden; tColor color; size_t vertexUploads; } steps[] = {
+        {99, red, green, RED, 0}, {1, green, red, GREEN, 2}, {100, red, green, RED, 0}, {150, green, red, GREEN, 0},
     };
     for (const auto& s : steps) {
         actor->update(s.elapsed);
@@ -80,6 +81,11 @@ TEST_F(ActorDrawTest, CelChangeSwapsListEntriesAndPixels)
         EXPECT_EQ(std::count(bound.begin(), bound.end(), long(s.shown)), 1);
         EXPECT_EQ(std::count(bound.begin(), bound.end(), long(s.hidden)), 0);
         EXPECT_EQ(GLRecorder::count("glDrawElements"), 1u);
+        size_t uploads = 0;
+        for (const char* name : {"glBufferData", "glBufferSubData"})
+            for (const auto& call : GLRecorder::callsNamed(name))
+                uploads += call.args[0] == GL_ARRAY_BUFFER;
+        EXPECT_EQ(uploads, s.vertexUploads) << s.elapsed;
         EXPECT_EQ(pixel(10, 10), s.color);
     }
 }

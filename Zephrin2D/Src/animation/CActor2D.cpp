@@ -136,10 +136,14 @@ void CActor2D::update(int elapsed)
         }
         mElapsed = t - d;
         mStateFlags &= PLAYING | SKIPPABLE;
-        BaseUtils::Assert(isCurrentAnimationValid(), SOURCE, __LINE__, "CActor2D::update currentAnimation is bad\n");
-        if (isCurrentAnimationValid() && mCurrentAnimationIterator->second.endOffset <= mCurrentCelOffset) {
+        const bool valid = isCurrentAnimationValid();
+        if (!valid)
+            BaseUtils::Assert(false, SOURCE, __LINE__, "CActor2D::update currentAnimation is bad\n");
+        if (valid && mCurrentAnimationIterator->second.endOffset <= mCurrentCelOffset) {
             mStateFlags |= ENDED;
-            mDoneLabel = mCurrentAnimationIterator->first;
+            // Only the done function reads it (exit operations cannot set one).
+            if (hasAnimationDoneFunction())
+                mDoneLabel = mCurrentAnimationIterator->first;
         }
         executeOperations(true);
         if ((mStateFlags & ENDED) && hasAnimationDoneFunction()) {

@@ -241,8 +241,13 @@ bool CChunkDrawList<Entry, Chunk>::rejoin(tSlot slot, const boost::shared_ptr<CG
     // still right when neither the matrix nor the chunk changed.
     const bool same = !e.dirty && !kept.element.expired() && !kept.chunk.expired() &&
                       kept.fingerprint == fingerprintOf(constant);
-    const tMatrix23 m = same ? element->getMatrix() : tMatrix23();
-    const bool valid = same && memcmp(&m, &kept.matrix, sizeof m) == 0;
+    bool valid = same;
+    if (valid) {
+        const tMatrix23 m = element->getMatrix();
+        const tMatrix23& k = kept.matrix;
+        valid = m.m00 == k.m00 && m.m01 == k.m01 && m.m02 == k.m02 && m.m10 == k.m10 && m.m11 == k.m11 &&
+                m.m12 == k.m12 && m.z == k.z;
+    }
     if (static_cast<size_t>(e.indexOffset) + 1 != mParked.size()) {
         kept = std::move(mParked.back());
         mPool[kept.slot].indexOffset = e.indexOffset;

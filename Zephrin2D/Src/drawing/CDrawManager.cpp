@@ -83,8 +83,8 @@ void CDrawManager::add(boost::shared_ptr<CGraphicElement> element, boost::shared
         return;
     tListQueue& queue = chunk->isTranslucentFor(*element) ? mTranslucentLists : mOpaqueLists;
     const uint32_t textureId = chunk->getTextureId();
-    for (size_t i = 0; i < queue.size(); ++i)
-        if (queue[i]->mayTake(textureId) && queue[i]->add(element, chunk))
+    for (tListQueue::const_iterator it = queue.begin(); it != queue.end(); ++it)
+        if ((*it)->mayTake(textureId) && (*it)->add(element, chunk))
             return;
     boost::shared_ptr<CDrawList> list = chunk->createDrawList();
     if (list && list->add(element, chunk))
