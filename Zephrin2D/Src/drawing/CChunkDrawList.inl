@@ -53,8 +53,8 @@ CChunkDrawList<Entry, Chunk>::takeRef(std::vector<tEntryRef>& refs, const tEntry
                 ++i;
         }
         if (i < mSortedPrefix && !refs[i].entry.expired()) {
-            tEntryRef ref = refs[i];
-            refs[i].entry.reset();
+            tEntryRef ref = key;
+            ref.entry.swap(refs[i].entry);   // leaves the dead one empty
             ++mDeadRefs;
             mOrderDirty = true;
             return ref;
