@@ -141,15 +141,18 @@ bool CChunkDrawList<Entry, Chunk>::restream(tVertexStream& stream, tEntry& e)
 template <class Entry, class Chunk>
 bool CChunkDrawList<Entry, Chunk>::add(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk)
 {
-    Chunk* const typed = dynamic_cast<Chunk*>(chunk.get());
-    if (!element || !typed)
+    if (!element || !chunk)
+        return false;
+    // A pair found (held or parked) has this list's kind of chunk: no cast is needed.
+    const tSlot held = lookup(element.get(), chunk.get());
+    Chunk* const typed = held != tIndex::NOT_FOUND ? mPool[held].chunk.get() : dynamic_cast<Chunk*>(chunk.get());
+    if (!typed)
         return false;
     const bool translucent = typed->isTranslucentFor(*element);
     if (mHasTexture && (typed->getTextureId() != mTextureId || translucent != mTranslucent))
         return false;
     const Chunk& constant = *typed;
     const size_t vertexCount = constant.getVertices().size();
-    const tSlot held = lookup(element.get(), chunk.get());
     if (held != tIndex::NOT_FOUND) {
         if (!mPool[held].parked)
             return true;
