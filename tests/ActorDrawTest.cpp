@@ -168,13 +168,24 @@ protected:
 
 TEST_F(ActorHeapTest, CelChangesAllocateNothingInTheActor)
 {
-    tActor2DFrameStruct on = {1, {}, {}, {boost::make_shared<RecordingChunk>()}};
-    tActor2DFrameStruct off = {1, {}, {}, {boost::make_shared<RecordingChunk>()}};
-    std::vector<boost::shared_ptr<CActor2D> > actors = flippers(on, off);
-    flip(actors, 10);
-    const unsigned long before = AllocationCounter::count();
-    flip(actors, 1000);
-    EXPECT_EQ(AllocationCounter::count() - before, 0u);
+    const GLuint red = texture(RED), green = texture(GREEN);
+    struct { tActor2DFrameStruct on, off; } kinds[] = {
+        {{1, {}, {}, {boost::make_shared<RecordingChunk>()}}, {1, {}, {}, {boost::make_shared<RecordingChunk>()}}},
+        {cel(1, red), cel(1, green)},   // textured lists park and take up the entries, and draw
+    };
+    for (auto& k : kinds) {
+        std::vector<boost::shared_ptr<CActor2D> > actors = flippers(k.on, k.off);
+        for (int i = 0; i < 10; ++i) {
+            flip(actors, 1);
+            CDrawManager::Instance()->drawAll();
+        }
+        const unsigned long before = AllocationCounter::count();
+        for (int i = 0; i < 100; ++i) {
+            flip(actors, 1);
+            CDrawManager::Instance()->drawAll();
+        }
+        EXPECT_EQ(AllocationCounter::count() - before, 0u);
+    }
 }
 
 } // namespace
