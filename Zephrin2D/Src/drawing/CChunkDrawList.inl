@@ -594,8 +594,11 @@ void CChunkDrawList<Entry, Chunk>::uploadDirtyVertices(bool colors)
     {
         tVertexStream stream(mVertexBuffer, mTexCoordBuffer, mColorBuffer);
         const unsigned colorPart = colors ? tVertexStream::COLORS : 0;
-        for (size_t i = 0; i < mEntries.size(); ++i) {
-            tEntry& e = *mEntries[i];
+        // Streaming changes no entry vector: its bounds stay in registers across the calls.
+        const boost::shared_ptr<tEntry>* const entries = mEntries.data();
+        const size_t count = mEntries.size();
+        for (size_t i = 0; i < count; ++i) {
+            tEntry& e = *entries[i];
             if ((!e.dirty && !e.colorDirty) || e.parked)
                 continue;
             if (colors)
