@@ -17,7 +17,6 @@
 #include <algorithm>
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <map>
 
 namespace {
@@ -43,12 +42,6 @@ std::vector<std::string> regressionFiles()
     return files;
 }
 
-std::string readBytes(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
 // A corrupt PNG leaves no RAM image and costs no more memory than a real image would.
 void loadPNG(const std::string& path)
 {
@@ -66,7 +59,7 @@ void loadPNG(const std::string& path)
 // entries, the dataset) as a dataset and its relink file; returns the dataset's path.
 std::string writeDataset(const std::string& path)
 {
-    const std::string bytes = readBytes(path);
+    const std::string bytes = readFile(path);
     const size_t count = bytes.size() < 2 ? 0 : size_t(uint8_t(bytes[0]) | uint8_t(bytes[1]) << 8);
     const std::string rest = bytes.size() < 2 ? std::string() : bytes.substr(2);
     const size_t relink = std::min(rest.size(), count * 4);
@@ -109,9 +102,7 @@ const std::map<std::string, std::function<void(const std::string&)> > kLoaders =
     {"import-", import},
 };
 
-class FuzzRegression : public GLTest
-{
-};
+using FuzzRegression = GLTest;
 
 } // namespace
 

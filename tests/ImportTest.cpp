@@ -18,14 +18,15 @@ const tColor WHITE{255, 255, 255, 255};
 const tColor YELLOW{255, 255, 0, 255};
 const tColor DARK{0, 0, 0, 255};
 
-/// Imports a file of tests/data/import into a scratch directory and loads its sheet.
+/// Imports a file of tests/data/import, or a file written in the scratch
+/// directory, into that directory and loads its sheet.
 class ImportTest : public GLTest
 {
 protected:
     std::string import(const std::string& input, const std::string& name)
     {
         tImportOptions options;
-        options.input = testDataPath("import/" + input);
+        options.input = input[0] == '/' ? input : testDataPath("import/" + input);
         options.outDir = scratchDir("import");
         options.name = name;
         Diagnostics diag;
@@ -34,17 +35,24 @@ protected:
         sheet.reset(new CTextureSheet(options.outDir + "/" + name + "-sheet.json"));
         return options.outDir + "/" + name + ".json";
     }
+    /// Imports the map NAME.tmx, written from tmx when given, and adds its elements to the draw manager.
+    void show(const std::string& name, const std::string& tmx = "")
+    {
+        std::string input = name + ".tmx";
+        if (!tmx.empty())
+            writeFile(input = scratchDir("import") + "/" + input, tmx);
+        const std::string scene = import(input, name);
+        loader.setTextureSheet(sheet.get());
+        for (const auto& e : loader.parseJsonFile(scene.c_str()))
+            CDrawManager::Instance()->add(e);
+    }
     std::unique_ptr<CTextureSheet> sheet;
+    CSceneLoaderJson loader;
 };
 
 TEST_F(ImportTest, MapDrawsItsTilesLayerByLayer)
 {
-    CSceneLoaderJson loader;
-    const std::string scene = import("map.tmx", "map");
-    loader.setTextureSheet(sheet.get());
-    CSceneLoaderJson::tElementList elements = loader.parseJsonFile(const_cast<char*>(scene.c_str()));
-    for (const auto& e : elements)
-        CDrawManager::Instance()->add(e);
+    show("map");
     ASSERT_EQ(loader.getActors().size(), 1u);
     CActor2D* water = static_cast<CActor2D*>(loader.getActors()[0].get());
     EXPECT_TRUE(loader.find("ground") && loader.find("top") && !loader.find("nothing")) << "layers by name";
@@ -113,21 +121,9 @@ TEST_F(ImportTest, EveryFlipOfATileDrawsAsTiledShowsIt)
     for (uint32_t i = 0; i < 8; ++i)
         gids += (i ? "," : "") + std::to_string(2u | (i & 4 ? TILED_FLIP_H : 0) | (i & 2 ? TILED_FLIP_V : 0) |
                                                  (i & 1 ? TILED_FLIP_D : 0));
-    writeFile(scratchDir("import") + "/flips.tmx",
-              "<map orientation=\"orthogonal\" width=\"8\" height=\"1\" tilewidth=\"8\" tileheight=\"8\">"
-              "<tileset firstgid=\"1\" source=\"" + testDataPath("import/tiles.tsx") + "\"/>"
-              "<layer name=\"l\" width=\"8\" height=\"1\"><data encoding=\"csv\">" + gids + "</data></layer></map>");
-    tImportOptions options;
-    options.input = scratchDir("import") + "/flips.tmx";
-    options.outDir = scratchDir("import");
-    Diagnostics diag;
-    std::vector<std::string> report;
-    ASSERT_EQ(runImport(options, diag, report), 0);
-    CTextureSheet flipSheet(options.outDir + "/flips-sheet.json");
-    CSceneLoaderJson loader;
-    loader.setTextureSheet(&flipSheet);
-    for (const auto& e : loader.parseJsonFile(const_cast<char*>((options.outDir + "/flips.json").c_str())))
-        CDrawManager::Instance()->add(e);
+    show("flips", "<map orientation=\"orthogonal\" width=\"8\" height=\"1\" tilewidth=\"8\" tileheight=\"8\">"
+                  "<tileset firstgid=\"1\" source=\"" + testDataPath("import/tiles.tsx") + "\"/>"
+                  "<layer name=\"l\" width=\"8\" height=\"1\"><data encoding=\"csv\">" + gids + "</data></layer></map>");
     frame();
     for (int i = 0; i < 8; ++i) {
         // Tiled's order: the diagonal flip (a transpose) first, then the mirrors, in image pixels.
@@ -149,23 +145,11 @@ TEST_F(ImportTest, LayerOpacityAndTintDrawAsTiledShowsThem)
 {
     // Red ground; green over it at opacity 0.5 in the first cell; yellow tinted orange in the second.
     const std::string tiles = testDataPath("import/tiles.png");
-    writeFile(scratchDir("import") + "/look.tmx",
-              "<map orientation=\"orthogonal\" width=\"2\" height=\"1\" tilewidth=\"8\" tileheight=\"8\">"
+    show("look", "<map orientation=\"orthogonal\" width=\"2\" height=\"1\" tilewidth=\"8\" tileheight=\"8\">"
               "<tileset firstgid=\"1\" name=\"t\" tilewidth=\"8\" tileheight=\"8\"><image source=\"" + tiles + "\"/></tileset>"
               "<layer name=\"ground\" width=\"2\" height=\"1\"><data encoding=\"csv\">1,1</data></layer>"
               "<layer name=\"half\" opacity=\"0.5\" width=\"2\" height=\"1\"><data encoding=\"csv\">2,0</data></layer>"
               "<layer name=\"tinted\" tintcolor=\"#ff8000\" width=\"2\" height=\"1\"><data encoding=\"csv\">0,4</data></layer></map>");
-    tImportOptions options;
-    options.input = scratchDir("import") + "/look.tmx";
-    options.outDir = scratchDir("import");
-    Diagnostics diag;
-    std::vector<std::string> report;
-    ASSERT_EQ(runImport(options, diag, report), 0);
-    CTextureSheet lookSheet(options.outDir + "/look-sheet.json");
-    CSceneLoaderJson loader;
-    loader.setTextureSheet(&lookSheet);
-    for (const auto& e : loader.parseJsonFile(const_cast<char*>((options.outDir + "/look.json").c_str())))
-        CDrawManager::Instance()->add(e);
     CDrawManager::Instance()->setColorsEnabled(true);
     frame();
     CDrawManager::Instance()->setColorsEnabled(false);

@@ -171,9 +171,7 @@ TEST_F(PointsTest, NeighbouringCloudsOfOneSizeDrawInOneCall)
         all.back()->moveTo(tVect2{tFixed(c.x), tFixed(10)});
         CDrawManager::Instance()->add(all.back());
     }
-    GLRecorder::start();
-    frame();
-    GLRecorder::stop();
+    recordGL([&] { frame(); });
     std::vector<long> calls;  // point size, then the count of each glDrawArrays
     for (const GLRecorder::tCall& c : GLRecorder::calls())
         if (c.name == "glPointSizex")
@@ -198,9 +196,7 @@ TEST_F(PointsTest, TranslucentCloudsTakeTheirPlaceAmongTranslucentQuads)
     CDrawManager::Instance()->add(cloud);
     CDrawManager::Instance()->add(back);
     ASSERT_EQ(CDrawManager::Instance()->getTranslucentLists().size(), 2u);
-    GLRecorder::start();
-    frame();
-    GLRecorder::stop();
+    recordGL([&] { frame(); });
     std::vector<std::string> draws;
     for (const GLRecorder::tCall& c : GLRecorder::calls())
         if (c.name == "glDrawElements" || c.name == "glDrawArrays")

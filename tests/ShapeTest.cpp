@@ -159,19 +159,12 @@ TEST_F(ShapeDrawTest, CallOrderOfADraw)
           glCall("glDrawArrays", {GL_TRIANGLE_FAN, 0, 10}), textured[0], textured[1], glCall("glPopMatrix")}},
     };
     for (const auto& c : cases) {
-        GLRecorder::clear();
-        GLRecorder::start();
-        c.shape->draw(c.color);
-        GLRecorder::stop();
+        recordGL([&] { c.shape->draw(c.color); });
         EXPECT_EQ(recordedGLCalls(), c.calls);
     }
-    GLRecorder::clear();
-    GLRecorder::start();
     tShape hidden = rectangle(true);
     hidden->setVisibility(false);
-    hidden->draw(nullptr);
-    hidden->draw();
-    GLRecorder::stop();
+    recordGL([&] { hidden->draw(nullptr); hidden->draw(); });
     EXPECT_TRUE(GLRecorder::calls().empty()) << "a hidden shape draws nothing";
 }
 
@@ -186,10 +179,7 @@ TEST_F(ShapeDrawTest, TooFewVerticesDrawOnlyWhatIsThere)
     };
     for (const auto& c : cases) {
         AssertCapture asserts;
-        GLRecorder::clear();
-        GLRecorder::start();
-        c.shape->draw(nullptr);
-        GLRecorder::stop();
+        recordGL([&] { c.shape->draw(nullptr); });
         EXPECT_EQ(asserts.messages(), std::vector<std::string>{c.message});
         std::vector<GLRecorder::tCall> draws = GLRecorder::callsNamed("glDrawArrays");
         ASSERT_EQ(draws.size(), 1u);
@@ -211,9 +201,7 @@ TEST_F(ShapeDrawTest, ShortColourArrayIsNeverPassed)
     rect->setColorN(1, RED);
     rect->setColorN(2, RED);
     EXPECT_EQ(rect->getColorN(1), RED);
-    GLRecorder::start();
-    rect->draw(nullptr);
-    GLRecorder::stop();
+    recordGL([&] { rect->draw(nullptr); });
     EXPECT_EQ(asserts.messages(),
               (std::vector<std::string>{"CGraphicShape::setColorN colorIndex out of bounds",
                                         "CGraphicShape::pushTransform color array shorter than vertex array"}));

@@ -169,10 +169,7 @@ TEST_F(SheetPackerTest, PalettesNeverChangeAPixel)
         ASSERT_TRUE(ImageIO::readPNG(page, back));
         EXPECT_EQ(back.rgba, p.image.rgba);
 
-        GLRecorder::clear();
-        GLRecorder::start();
-        CTextureSheet textureSheet(dir + "/s.json");
-        GLRecorder::stop();
+        recordGL([&] { CTextureSheet textureSheet(dir + "/s.json"); });
         const auto uploads = GLRecorder::callsNamed(c.bits ? "glCompressedTexImage2D" : "glTexImage2D");
         ASSERT_EQ(uploads.size(), 1u);
         EXPECT_EQ(uploads[0].args[2], static_cast<long>(c.format));

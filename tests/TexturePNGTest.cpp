@@ -181,9 +181,7 @@ TEST(TexturePNG, MissingFileLoadsThePlaceholder)
     EXPECT_TRUE(asserts.entries().empty());
 }
 
-class TexturePNGGLTest : public GLTest
-{
-};
+using TexturePNGGLTest = GLTest;
 
 TEST_F(TexturePNGGLTest, TransparentEntriesAreNotDrawn)
 {

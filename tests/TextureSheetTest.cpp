@@ -32,6 +32,8 @@ const char* const kTwoPictures = R"({"ImageData": [{"Bitmap": "a.png", "Images":
     {"Name": "hero", "P1": [1, 2], "P2": [5, 7], "RegPoint": [-3, 4], "CropRect": [1, 2, 3, 4]},
     {"Name": "coin", "P1": [0, 0], "P2": [8, 8], "RegPoint": [0, 0], "CropRect": [0, 0, 8, 8]}]}]})";
 
+// Pictures of one bitmap share its texture; the dump lists every picture; an
+// unknown name gives the zero element.
 TEST_F(TextureSheetTest, PicturesOfOneBitmapShareItsTexture)
 {
     writeFile(mDir + "/a.json", kTwoPictures);
@@ -51,13 +53,24 @@ TEST_F(TextureSheetTest, PicturesOfOneBitmapShareItsTexture)
     for (int k = 0; k < 4; ++k)
         EXPECT_EQ(hero.cropRect[k], crop[k]) << k;
     EXPECT_EQ(CTextureManager::Instance()->get(mDir + "/a.png"), hero.texture);
-}
 
-TEST_F(TextureSheetTest, UnknownNameGivesTheZeroElement)
-{
-    writeFile(mDir + "/a.json", kTwoPictures);
-    CTextureSheet sheet(mDir + "/a.json");
     DebugCapture debug;
+    sheet.debugDump();
+    std::vector<std::string> lines;
+    for (const auto& m : debug.entries()) {
+        EXPECT_EQ(m.level, 3);
+        lines.push_back(m.text);
+    }
+    const std::vector<std::string> heroLines = {
+        "hero :\n", "  p1:  [1.000000, 2.000000]\n", "  p2:  [5.000000, 7.000000]\n", "  reg: [-3.000000, 4.000000]\n",
+        "  cropRect: [1.000000, 2.000000]-[3.000000, 4.000000]\n",
+    };
+    ASSERT_EQ(lines.size(), 12u);
+    EXPECT_EQ(lines[0], "Current contents of Texture Sheet object:\n");
+    EXPECT_EQ(lines[1], "--------------------------------------------------\n");
+    EXPECT_NE(std::search(lines.begin(), lines.end(), heroLines.begin(), heroLines.end()), lines.end());
+
+    debug.clear();
     const tTextureSheetElement e = sheet.getElement("villain");
     EXPECT_TRUE(debug.has(3, "could not find villain\n"));
     EXPECT_EQ(e.p1, v(0, 0));
@@ -107,27 +120,6 @@ TEST_F(TextureSheetTest, IncompleteDescriptionsLoadWhatTheyCan)
     }
     CTextureSheet missing(mDir + "/no-such-sheet.json");
     EXPECT_EQ(missing.getElementCount(), 0u);
-}
-
-TEST_F(TextureSheetTest, DebugDumpListsEveryPicture)
-{
-    writeFile(mDir + "/a.json", kTwoPictures);
-    CTextureSheet sheet(mDir + "/a.json");
-    DebugCapture debug;
-    sheet.debugDump();
-    std::vector<std::string> lines;
-    for (const auto& e : debug.entries()) {
-        EXPECT_EQ(e.level, 3);
-        lines.push_back(e.text);
-    }
-    const std::vector<std::string> hero = {
-        "hero :\n", "  p1:  [1.000000, 2.000000]\n", "  p2:  [5.000000, 7.000000]\n", "  reg: [-3.000000, 4.000000]\n",
-        "  cropRect: [1.000000, 2.000000]-[3.000000, 4.000000]\n",
-    };
-    ASSERT_EQ(lines.size(), 12u);
-    EXPECT_EQ(lines[0], "Current contents of Texture Sheet object:\n");
-    EXPECT_EQ(lines[1], "--------------------------------------------------\n");
-    EXPECT_NE(std::search(lines.begin(), lines.end(), hero.begin(), hero.end()), lines.end());
 }
 
 } // namespace

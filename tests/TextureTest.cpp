@@ -197,10 +197,7 @@ TEST_F(TextureGLTest, UploadCallAndStateForEachKind)
         tImageInfo info{c.pal, c.format, 16, 16};
         CTexture t(info, true);
         DebugCapture debug;
-        GLRecorder::clear();
-        GLRecorder::start();
-        t.InitGLTexture();
-        GLRecorder::stop();
+        recordGL([&] { t.InitGLTexture(); });
         const auto uploads = GLRecorder::callsNamed(c.call);
         ASSERT_EQ(uploads.size(), 1u);
         EXPECT_EQ(uploads[0].args, c.args);
@@ -228,9 +225,7 @@ TEST_F(TextureGLTest, UploadWithoutRAMImageMakesAnEmptyTexture)
 {
     AssertCapture asserts;
     CTexture t;
-    GLRecorder::start();
-    t.InitGLTexture();
-    GLRecorder::stop();
+    recordGL([&] { t.InitGLTexture(); });
     EXPECT_EQ(asserts.messages(), std::vector<std::string>{"CTexture::InitGLTexture - image not in RAM\n"});
     EXPECT_NE(t.glTextureId, 0u);
     EXPECT_EQ(GLRecorder::count("glTexImage2D") + GLRecorder::count("glCompressedTexImage2D"), 0u);
@@ -257,10 +252,7 @@ TEST_F(TextureWithoutCompressionTest, PalettedImagesAreExpandedForUpload)
     for (const auto& c : cases) {
         tImageInfo info{PAL_PALETTE4, c.format, 16, 16};
         CTexture t(info, true);
-        GLRecorder::clear();
-        GLRecorder::start();
-        t.InitGLTexture();
-        GLRecorder::stop();
+        recordGL([&] { t.InitGLTexture(); });
         EXPECT_EQ(GLRecorder::count("glCompressedTexImage2D"), 0u);
         const auto uploads = GLRecorder::callsNamed("glTexImage2D");
         ASSERT_EQ(uploads.size(), 1u);

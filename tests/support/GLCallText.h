@@ -8,14 +8,11 @@
 #include <vector>
 
 /// "name(a, b, ...)": how a test writes an expected GL call.
-inline std::string glCall(const std::string& name, std::initializer_list<long> args = {})
+inline std::string glCall(const std::string& name, const std::vector<long>& args = {})
 {
     std::string text = name + "(";
-    bool first = true;
-    for (long a : args) {
-        text += (first ? "" : ", ") + std::to_string(a);
-        first = false;
-    }
+    for (size_t i = 0; i < args.size(); ++i)
+        text += (i ? ", " : "") + std::to_string(args[i]);
     return text + ")";
 }
 
@@ -27,10 +24,7 @@ inline std::vector<std::string> recordedGLCalls()
         std::vector<long> args = c.args;
         if (c.name.find("Pointer") != std::string::npos && !args.empty())
             args.pop_back();
-        std::string text = c.name + "(";
-        for (size_t i = 0; i < args.size(); ++i)
-            text += (i ? ", " : "") + std::to_string(args[i]);
-        out.push_back(text + ")");
+        out.push_back(glCall(c.name, args));
     }
     return out;
 }

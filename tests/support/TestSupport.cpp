@@ -6,6 +6,7 @@
 #include <VellOpenGLConfig.h>
 
 #include <GLES/gl.h>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -32,10 +33,7 @@ std::vector<std::string> AssertCapture::messages() const
 
 bool AssertCapture::has(const std::string& message) const
 {
-    for (const tEntry& e : mEntries)
-        if (e.message == message)
-            return true;
-    return false;
+    return std::any_of(mEntries.begin(), mEntries.end(), [&](const tEntry& e) { return e.message == message; });
 }
 
 DebugCapture::DebugCapture()
@@ -47,20 +45,13 @@ DebugCapture::DebugCapture()
 
 DebugCapture::~DebugCapture() { Tadwick::Vell::CDebugMPI::SetHandler(mPrevious); }
 
-bool DebugCapture::has(const std::string& text) const
-{
-    for (const tEntry& e : mEntries)
-        if (e.text == text)
-            return true;
-    return false;
-}
+bool DebugCapture::has(const std::string& text) const { return has(-1, text); }
 
+/// Level -1 matches any level.
 bool DebugCapture::has(int level, const std::string& text) const
 {
-    for (const tEntry& e : mEntries)
-        if (e.text == text && e.level == level)
-            return true;
-    return false;
+    return std::any_of(mEntries.begin(), mEntries.end(),
+                       [&](const tEntry& e) { return e.text == text && (level < 0 || e.level == level); });
 }
 
 StdoutCapture::StdoutCapture() : mDone(false)

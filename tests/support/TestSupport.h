@@ -85,6 +85,15 @@ protected:
 
 ::std::ostream& operator<<(::std::ostream& os, const tColor& c);
 
+/// Runs f with the GL call recorder on, after clearing what it held.
+template <class F> void recordGL(F f)
+{
+    GLRecorder::clear();
+    GLRecorder::start();
+    f();
+    GLRecorder::stop();
+}
+
 const tColor RED{255, 0, 0, 255};
 const tColor GREEN{0, 255, 0, 255};
 const tColor BLUE{0, 0, 255, 255};
