@@ -73,19 +73,14 @@ TEST_F(AvatarPieceTest, SameOnScreenSizeAtEveryLOD)
     piece->moveTo(tVect2{tFixed(64), tFixed(64)});
     piece->setCostume(costume.get());
     CDrawManager::Instance()->add(piece);
-    const struct { int lod; tColor colour; } cases[] = {
-        {32, RED}, {64, GREEN}, {128, BLUE},
-    };
+    const struct { int lod; tColor colour; } cases[] = {{32, RED}, {64, GREEN}, {128, BLUE}};
     for (const auto& c : cases) {
         costume->setLOD(c.lod);
         EXPECT_EQ(piece->getLODSize(), c.lod) << "pieces follow the costume's LOD";
         frame();
         tExtent e = extent();
         EXPECT_EQ(e.centre, c.colour) << "LOD " << c.lod;
-        EXPECT_EQ(e.left, 14) << "LOD " << c.lod;
-        EXPECT_EQ(e.right, 113) << "LOD " << c.lod;
-        EXPECT_EQ(e.bottom, 14) << "LOD " << c.lod;
-        EXPECT_EQ(e.top, 113) << "LOD " << c.lod;
+        EXPECT_EQ((std::vector<int>{e.left, e.bottom, e.right, e.top}), (std::vector<int>{14, 14, 113, 113})) << c.lod;
     }
     CDrawManager::Instance()->remove(piece);
 }

@@ -35,11 +35,7 @@ TEST_F(DemoSceneTest, FramesMatchTheGoldenImages)
     // Frames 33 ms apart: the hero walks to the right, the critters land and
     // jump (in the air at frame 9), the kid waves (arm up at frame 15).
     const struct { int frame; const char* golden; } frames[] = {
-        {0, "demo-frame-00"},
-        {9, "demo-frame-09"},
-        {15, "demo-frame-15"},
-        {40, "demo-frame-40"},
-    };
+        {0, "demo-frame-00"}, {9, "demo-frame-09"}, {15, "demo-frame-15"}, {40, "demo-frame-40"}};
     int at = 0;
     for (const auto& f : frames) {
         for (; at < f.frame; ++at)

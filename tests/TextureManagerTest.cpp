@@ -19,17 +19,6 @@ protected:
     }
 };
 
-TEST_F(TextureManagerTest, SharesALiveTexture)
-{
-    CTextureManager* m = CTextureManager::Instance();
-    boost::shared_ptr<CTexture> a = loadRAM(png("rgb.png"));
-    ASSERT_TRUE(a);
-    EXPECT_EQ(loadRAM(png("rgb.png")), a);
-    EXPECT_EQ(m->get(png("rgb.png")), a);
-    EXPECT_EQ(m->getEntryCount(), 1u);
-    EXPECT_NE(loadRAM(png("rgba.png")), a);
-}
-
 TEST_F(TextureManagerTest, NothingLoadedGivesEmptyAndNoEntry)
 {
     AssertCapture asserts;
@@ -57,11 +46,17 @@ TEST_F(TextureManagerTest, MissingFileIsCachedUnderItsOwnPath)
     EXPECT_EQ(CTextureManager::Instance()->get("nowhere/hero.png"), t);
 }
 
-TEST_F(TextureManagerTest, Unload)
+TEST_F(TextureManagerTest, SharesALiveTextureUntilUnloaded)
 {
     CTextureManager* m = CTextureManager::Instance();
     boost::shared_ptr<CTexture> held = loadRAM(png("rgb.png"));
-    EXPECT_TRUE(m->unload(png("rgb.png")));
+    ASSERT_TRUE(held);
+    EXPECT_EQ(loadRAM(png("rgb.png")), held);
+    EXPECT_EQ(m->get(png("rgb.png")), held);
+    EXPECT_EQ(m->getEntryCount(), 1u);
+    const boost::shared_ptr<CTexture> other = loadRAM(png("rgba.png"));
+    EXPECT_NE(other, held);
+    EXPECT_TRUE(m->unload(png("rgba.png")) && m->unload(png("rgb.png")));
     EXPECT_FALSE(m->get(png("rgb.png")));
     EXPECT_EQ(m->getEntryCount(), 0u);
     EXPECT_TRUE(held->inRAM) << "holders keep their texture";
@@ -74,9 +69,7 @@ TEST_F(TextureManagerTest, Unload)
     EXPECT_FALSE(m->unload(png("never-loaded.png")));
 }
 
-class TextureManagerGLTest : public GLTest
-{
-};
+using TextureManagerGLTest = GLTest;
 
 TEST_F(TextureManagerGLTest, FirstLoadsFlagsWin)
 {

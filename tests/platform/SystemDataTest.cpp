@@ -18,16 +18,10 @@ protected:
         root = std::string(Z2D_BINARY_DIR) + "/systemdata-" + std::to_string(getpid());
         for (const char* d : {"", "/host", "/env1", "/env2", "/audio", "/host/sub"})
             mkdir((root + d).c_str(), 0755);
-        touch("/host/both.png");
-        touch("/env1/both.png");
-        touch("/env1/env.png");
-        touch("/env2/env.png");
-        touch("/env2/late.png");
-        touch("/env2/missingAsset.png");
-        touch("/host/sub/deep.png");
-        touch("/audio/clip.ogg");
-        touch("/env1/clip.ogg");
-        touch("/env1/artside.ogg");
+        for (const char* f : {"/host/both.png", "/env1/both.png", "/env1/env.png", "/env2/env.png", "/env2/late.png",
+                              "/env2/missingAsset.png", "/host/sub/deep.png", "/audio/clip.ogg", "/env1/clip.ogg",
+                              "/env1/artside.ogg"})
+            touch(f);
         setenv("ZEPHRIN2D_ART_PATH", (root + "/env1::" + root + "/env2/").c_str(), 1);
         setenv("ZEPHRIN2D_AUDIO_PATH", (root + "/audio").c_str(), 1);
         CSystemData::Destroy();
