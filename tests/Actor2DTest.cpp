@@ -261,7 +261,7 @@ TEST_F(Actor2DTest, LabelsSurviveARealLocale)
     EXPECT_EQ(actor->getCurrentCelOffset(), 0) << "the label leads back to the animation";
 }
 
-TEST_F(Actor2DTest, BuildingOffsets)
+TEST_F(Actor2DTest, BuildingOffsetsAndOperations)
 {
     // Frames appended after a bare animation start belong to it; the first animation drops the placeholder.
     CActor2D actor;
@@ -281,17 +281,10 @@ TEST_F(Actor2DTest, BuildingOffsets)
     }
     EXPECT_EQ(actor.getAnimationMap().find(key("b"))->second.next, "c");
     EXPECT_EQ(actor.getCurrentAnimationLabel(), "a");
-}
 
-TEST_F(Actor2DTest, PushBackOperationSplitsByCode)
-{
-    CActor2D actor;
-    tActor2DFrameStruct frame = {10, {}, {}, {}};
-    actor.appendFrame(frame);
-    const struct { int opcode; bool exit; } ops[] = {{1, true}, {2, true}, {3, false}, {4, false}, {5, false}, {9, false}, {-1, false}};
-    for (const auto& o : ops)
-        actor.pushBackOperation(0, o.opcode, 42);
-    actor.pushBackOperation(0, 0, 42);
+    // An operation goes to the exit or the enter list by its code.
+    for (int opcode : {1, 2, 3, 4, 5, 9, -1, 0})
+        actor.pushBackOperation(0, opcode, 42);
     std::vector<int> enter, exit;
     for (const operation& op : actor.getCel(0).enterOperations)
         enter.push_back(op.opcode);

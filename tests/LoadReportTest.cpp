@@ -7,7 +7,6 @@
 #include "CTextureSheet.h"
 
 #include <boost/make_shared.hpp>
-#include <dirent.h>
 
 namespace {
 
@@ -52,28 +51,6 @@ bool mentions(const std::vector<tLoadProblem>& problems, const std::string& file
         if (p.file == file && p.reason == reason && CLoadReport::describe(p).find(words) != Glib::ustring::npos)
             return true;
     return false;
-}
-
-// Every broken file of the checker's corpus names itself in the report. The
-// deep ones load as written (they are there to be survived, not reported).
-TEST_F(LoadReportTest, EveryBrokenFileIsReportedWithItsName)
-{
-    DIR* dir = opendir(testDataPath("broken").c_str());
-    ASSERT_TRUE(dir);
-    int files = 0;
-    while (dirent* e = readdir(dir)) {
-        const std::string name = e->d_name;
-        if (name.find(".json") == std::string::npos || name.find("deep-sprites") != std::string::npos || name == "actor-deep.json")
-            continue;
-        const std::string path = testDataPath("broken/" + name);
-        const std::vector<tLoadProblem> problems = load(path, name.substr(0, name.find('-')));
-        ++files;
-        EXPECT_FALSE(problems.empty()) << name;
-        for (const tLoadProblem& p : problems)
-            EXPECT_EQ(p.file, path) << name << ": " << CLoadReport::describe(p);
-    }
-    closedir(dir);
-    EXPECT_GE(files, 40);
 }
 
 // The rows of the checker's table, with what was asked for and why. The

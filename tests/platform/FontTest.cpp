@@ -158,15 +158,13 @@ TEST_F(Font, HandlesAndBadInput)
     ASSERT_TRUE(fonts.SelectFont(big));
 
     EXPECT_FALSE(fonts.DrawString("x", 0, 0, 0));
-    tFontSurf wrong = s.surf;
-    wrong.format = 1;
-    EXPECT_FALSE(fonts.DrawString("x", 0, 0, &wrong));
-    wrong = s.surf;
-    wrong.pitch = 8;
-    EXPECT_FALSE(fonts.DrawString("x", 0, 0, &wrong));
-    wrong = s.surf;
-    wrong.buffer = 0;
-    EXPECT_FALSE(fonts.DrawString("x", 0, 0, &wrong));
+    void (*const spoil[])(tFontSurf&) = {[](tFontSurf& w) { w.format = 1; }, [](tFontSurf& w) { w.pitch = 8; },
+                                          [](tFontSurf& w) { w.buffer = 0; }};
+    for (auto f : spoil) {
+        tFontSurf wrong = s.surf;
+        f(wrong);
+        EXPECT_FALSE(fonts.DrawString("x", 0, 0, &wrong));
+    }
 }
 
 } // namespace

@@ -16,11 +16,7 @@ inline boost::shared_ptr<CTexture> makeTexture(int width, int height, kPixelForm
                                                std::function<tColor(int, int)> colour)
 {
     boost::shared_ptr<CTexture> texture = boost::make_shared<CTexture>();
-    tImageInfo info;
-    info.palType = PAL_NONE;
-    info.pixelFormat = format;
-    info.width = width;
-    info.height = height;
+    const tImageInfo info{PAL_NONE, format, uint32_t(width), uint32_t(height)};
     texture->InitRAMTexture(info, true);
     const unsigned long bpp = info.GetBytesPerEntry();
     for (int y = 0; y < height; ++y)
@@ -50,12 +46,7 @@ inline boost::shared_ptr<CTexture> solidTexture(tColor c, int size = 8)
 inline boost::shared_ptr<CTexture> formatOnlyTexture(tPalType palType, kPixelFormat format)
 {
     boost::shared_ptr<CTexture> texture = boost::make_shared<CTexture>();
-    tImageInfo info;
-    info.palType = palType;
-    info.pixelFormat = format;
-    info.width = 8;
-    info.height = 8;
-    texture->InitRAMTexture(info, true);
+    texture->InitRAMTexture(tImageInfo{palType, format, 8, 8}, true);
     return texture;
 }
 
