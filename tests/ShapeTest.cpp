@@ -3,14 +3,12 @@
 
 #include "CGraphics2D.h"
 #include "CGraphicCircle.h"
-#include "CGraphicLine.h"
 #include "CGraphicPoint.h"
 #include "CGraphicRectangle.h"
 #include "CGraphicTriangle.h"
 
 #include <GLES/gl.h>
 #include <boost/make_shared.hpp>
-#include <cmath>
 #include <functional>
 
 namespace {
@@ -103,14 +101,6 @@ protected:
         p->setVertexArray(nullptr);
         p->setPointSize(tFixed(3));
         return p;
-    }
-    static tShape line()
-    {
-        boost::shared_ptr<CGraphicLine> l = boost::make_shared<CGraphicLine>();
-        tVect2 v[2] = {v2(2, 2), v2(60, 2)};
-        l->setVertexArray(v);
-        l->setLineWidth(tFixed(2));
-        return l;
     }
     static tShape circle(bool gradient)
     {

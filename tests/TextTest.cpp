@@ -186,10 +186,9 @@ TEST_F(TextTest, FontThatCannotLoadIsReported)
     EXPECT_TRUE(debug.has(3, "*** CText::setFont - could not load font.\n"));
     t->setText("again");
     t->remakeTexture();
-    int reports = 0;
-    for (const auto& e : debug.entries())
-        reports += e.text == "*** CText::setFont - could not load font.\n";
-    EXPECT_EQ(reports, 2) << "each preparation tries to load again";
+    EXPECT_EQ(std::count_if(debug.entries().begin(), debug.entries().end(),
+                            [](const DebugCapture::tEntry& e) { return e.text == "*** CText::setFont - could not load font.\n"; }),
+              2) << "each preparation tries to load again";
 }
 
 class TextGoldenTest : public GLTest

@@ -34,14 +34,19 @@ TEST_F(TextureManagerTest, NothingLoadedGivesEmptyAndNoEntry)
     EXPECT_EQ(m->getEntryCount(), 0u);
 }
 
+// A missing file is reported and loads the placeholder of the art path, cached under its own path.
 TEST_F(TextureManagerTest, MissingFileIsCachedUnderItsOwnPath)
 {
     const std::string dir = scratchDir("texture-manager-placeholder");
     copyFile(png("pal4.png"), dir + "/missingAsset.png");
     CSystemData::Instance()->AddArtPath(dir);
+    DebugCapture debug;
+    AssertCapture asserts;
     boost::shared_ptr<CTexture> t = loadRAM("nowhere/hero.png");
     CSystemData::Instance()->ClearPaths();
     ASSERT_TRUE(t);
+    EXPECT_TRUE(debug.has(3, "CTexturePNG::LoadPNG() failed to open file: nowhere/hero.png\n"));
+    EXPECT_TRUE(asserts.entries().empty());
     EXPECT_EQ(t->imageInfo.palType, PAL_PALETTE4);
     EXPECT_EQ(CTextureManager::Instance()->get("nowhere/hero.png"), t);
 }

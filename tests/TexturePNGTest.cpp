@@ -2,8 +2,6 @@
 
 #include "CTexturePNG.h"
 
-#include <SystemData.h>
-
 #include <cstring>
 
 // The files come from tests/data/png/make_corpus.py; the patterns below are its own.
@@ -165,20 +163,6 @@ TEST(TexturePNG, BrokenFilesEndInTheReadingAssertion)
             logged = logged || (e.level == 3 && e.text.find("CTexturePNG: libpng error: ") == 0);
         EXPECT_TRUE(logged) << "libpng's own message goes to the debug service";
     }
-}
-
-TEST(TexturePNG, MissingFileLoadsThePlaceholder)
-{
-    const std::string dir = scratchDir("texture-placeholder");
-    copyFile(png("rgba.png"), dir + "/missingAsset.png");
-    CSystemData::Instance()->AddArtPath(dir);
-    DebugCapture debug;
-    AssertCapture asserts;
-    CTexturePNG t("no/such/picture.png", false, true, false);
-    CSystemData::Instance()->ClearPaths();
-    expectImage(t, tGood{"", false, PAL_NONE, kPixelFormatRGBA8888, 8, 4, 0, {}});
-    EXPECT_TRUE(debug.has(3, "CTexturePNG::LoadPNG() failed to open file: no/such/picture.png\n"));
-    EXPECT_TRUE(asserts.entries().empty());
 }
 
 using TexturePNGGLTest = GLTest;
