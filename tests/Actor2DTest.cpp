@@ -16,8 +16,14 @@ std::vector<int> gTriggers;
 std::vector<std::string> gDone;
 std::vector<int> gUpdates;
 enum tDoneAction { DONE_NOTHING, DONE_PLAY_FIRST, DONE_STOP_FIRST, DONE_STOP } gDoneAction;
+int gTriggerJump;  ///< the cel a trigger sends the actor to; -1: none
 
-void onTrigger(CBaseActor*, int value) { gTriggers.push_back(value); }
+void onTrigger(CBaseActor* actor, int value)
+{
+    gTriggers.push_back(value);
+    if (gTriggerJump >= 0)
+        static_cast<CActor2D*>(actor)->gotoAndPlay(gTriggerJump);
+}
 void onUpdate(CBaseActor*, int elapsed) { gUpdates.push_back(elapsed); }
 
 void onDone(CBaseActor* actor, Glib::ustring const& label)
@@ -52,6 +58,7 @@ protected:
         gDone.clear();
         gUpdates.clear();
         gDoneAction = DONE_NOTHING;
+        gTriggerJump = -1;
     }
     void TearDown() override { CDrawManager::Destroy(); }
 
@@ -110,6 +117,7 @@ struct tScript
     std::vector<tStep> steps;
     std::vector<int> triggers;
     std::vector<const char*> done;
+    int triggerJump = -1;
 };
 
 TEST_F(Actor2DTest, Timelines)
@@ -157,11 +165,15 @@ TEST_F(Actor2DTest, Timelines)
          {{UPDATE, 100, 0, 0x46, 0}, {UPDATE, 100, 0, 0x06, 0}}, {}, {"a"}},
         {"done callback stop halts before the advance", true, DONE_STOP, twoAnimations,
          {{UPDATE, 120, 0, 0x42, 20}, {UPDATE, 100, 0, 0x02, 20}}, {}, {"a"}},
+        {"a trigger callback may jump: only the cel jumped to stays registered", true, DONE_NOTHING,
+         {{100, "a", {}, {}}, {100, 0, {TRIGGER7}, {}}, {100, 0, {}, {}}, {100, 0, {}, {}}},
+         {{UPDATE, 100, 3, 0x17, 0}}, {7}, {}, 3},
     };
     for (const tScript& s : scripts) {
         SCOPED_TRACE(s.name);
         SetUp();
         gDoneAction = s.onDone;
+        gTriggerJump = s.triggerJump;
         boost::shared_ptr<CActor2D> actor = build(s.cels);
         actor->setSkippable(s.skippable);
         for (size_t i = 0; i < s.steps.size(); ++i) {
@@ -343,19 +355,6 @@ TEST_F(Actor2DTest, CelsWithoutDurationThatLoopDoNotHang)
     actor->setSkippable(false);
     actor->update(0);
     EXPECT_EQ(actor->getCurrentCelOffset(), 1);
-}
-
-TEST_F(Actor2DTest, TriggerCallbackMayJump)
-{
-    // The trigger runs on entering cel 1 and sends the actor to cel 3: only cel 3 stays registered.
-    struct Local { static void jump(CBaseActor* a, int) { static_cast<CActor2D*>(a)->gotoAndPlay(3); } };
-    boost::shared_ptr<CActor2D> actor =
-        build({{100, "a", {}, {}}, {100, 0, {TRIGGER7}, {}}, {100, 0, {}, {}}, {100, 0, {}, {}}});
-    actor->setTriggerFunction(Local::jump);
-    actor->update(100);
-    EXPECT_EQ(actor->getCurrentCelOffset(), 3);
-    EXPECT_EQ(actor->getStateFlags(), 0x17u);
-    EXPECT_EQ(registeredChunks(actor.get()), shown(actor));
 }
 
 TEST_F(Actor2DTest, CopyHasItsOwnAnimations)

@@ -63,10 +63,7 @@ TEST_F(AvatarCostumeTest, LoadsOnlyTheMappedLODs)
     EXPECT_EQ(loadedSizes(big, 1), (std::vector<int>{128}));
     EXPECT_EQ(loadedSizes(nullptr, 0), (std::vector<int>{32, 64, 128}));
     EXPECT_EQ(loadedSizes(both, -3), (std::vector<int>{32, 64, 128})) << "a negative count loads everything";
-}
-
-TEST_F(AvatarCostumeTest, AtMostThirtyRequestsAreRead)
-{
+    // At most thirty requests are read.
     AssertCapture asserts;
     std::vector<int> many(31, 32);
     many[30] = 128;  // past the limit: must not be looked at

@@ -10,22 +10,18 @@ namespace {
 std::string captureStderr(const std::function<void()>& body)
 {
     fflush(stderr);
-    char name[] = "/tmp/z2d-stderr-XXXXXX";
-    int fd = mkstemp(name);
-    int saved = dup(2);
-    dup2(fd, 2);
+    FILE* file = tmpfile();
+    const int saved = dup(2);
+    dup2(fileno(file), 2);
     body();
     fflush(stderr);
     dup2(saved, 2);
     close(saved);
     std::string text;
-    char buf[512];
-    lseek(fd, 0, SEEK_SET);
-    ssize_t n;
-    while ((n = read(fd, buf, sizeof buf)) > 0)
-        text.append(buf, n);
-    close(fd);
-    unlink(name);
+    rewind(file);
+    for (int c; (c = fgetc(file)) != EOF;)
+        text += char(c);
+    fclose(file);
     return text;
 }
 

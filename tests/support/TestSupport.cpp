@@ -54,15 +54,10 @@ bool DebugCapture::has(int level, const std::string& text) const
                        [&](const tEntry& e) { return e.text == text && (level < 0 || e.level == level); });
 }
 
-StdoutCapture::StdoutCapture() : mDone(false)
+StdoutCapture::StdoutCapture() : mFile(tmpfile()), mSaved(dup(1)), mDone(false)
 {
     fflush(stdout);
-    char name[] = "/tmp/z2d-stdout-XXXXXX";
-    int fd = mkstemp(name);
-    mPath = name;
-    mSaved = dup(1);
-    dup2(fd, 1);
-    close(fd);
+    dup2(fileno(mFile), 1);
 }
 
 StdoutCapture::~StdoutCapture() { finish(); }
@@ -75,11 +70,12 @@ std::string StdoutCapture::finish()
     fflush(stdout);
     dup2(mSaved, 1);
     close(mSaved);
-    std::ifstream in(mPath);
-    std::stringstream ss;
-    ss << in.rdbuf();
-    unlink(mPath.c_str());
-    return ss.str();
+    std::string text;
+    rewind(mFile);
+    for (int c; (c = fgetc(mFile)) != EOF;)
+        text += char(c);
+    fclose(mFile);
+    return text;
 }
 
 GLTest::GLTest(int width, int height, tColor clear) : mWidth(width), mHeight(height), mClear(clear) {}

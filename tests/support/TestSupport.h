@@ -9,6 +9,7 @@
 
 #include "tVect.h"
 
+#include <cstdio>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -53,8 +54,8 @@ public:
     ~StdoutCapture();
     std::string finish();
 private:
+    FILE* mFile;
     int mSaved;
-    std::string mPath;
     bool mDone;
 };
 
