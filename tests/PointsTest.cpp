@@ -38,8 +38,6 @@ TEST_F(PointsTest, PointsStartAtTheOriginResizeAndCopy)
     CGraphicPoints cloud(3, path);
     EXPECT_EQ(chunkOf(cloud)->getTexture(), CTextureManager::Instance()->get(path));
     EXPECT_EQ(chunkOf(cloud)->getDrawnPointSize(), tFixed(4)) << "the texture's width by default";
-    cloud.setPointSize(tFixed(6));
-    EXPECT_EQ(chunkOf(cloud)->getDrawnPointSize(), tFixed(6));
     cloud.setVertexN(1, P(4, 5, 1));
     cloud.moveVertexNBy(2, tVect3{ONE_X, ZERO_X, ZERO_X});
     cloud.moveVertexNBy(2, tVect3{ONE_X, ZERO_X, ZERO_X});
@@ -53,7 +51,6 @@ TEST_F(PointsTest, PointsStartAtTheOriginResizeAndCopy)
     assigned.setNumberVertices(1);
     EXPECT_EQ(cloud.getVertexN(1), P(4, 5, 1));
     EXPECT_EQ(cloud.getNumberVertices(), 5);
-    EXPECT_EQ(copy.getVertexN(1), P(5, 5));
 }
 
 TEST_F(PointsTest, ImmediateDrawAndAReplacedChunk)

@@ -70,14 +70,12 @@ TEST_F(SheetPackerTest, EveryPictureLandsWhereItsLoosePictureWould)
     struct
     {
         const char* label;
-        bool trim;
-        int padding, extrude, maxSize;
-        ePalette palette;
+        SheetPacker::tOptions options;  // maxSize, padding, extrude, trim, palette
         bool severalPages;
     } cases[] = {
-        {"trimmed, padded, paletted", true, 2, 0, 64, ePalette::Auto, false},
-        {"untrimmed, several pages", false, 0, 0, 32, ePalette::Off, true},
-        {"trimmed, extruded, several 8-bit pages", true, 3, 1, 32, ePalette::Bits8, true},
+        {"trimmed, padded, paletted", {64, 2, 0, true, ePalette::Auto}, false},
+        {"untrimmed, several pages", {32, 0, 0, false, ePalette::Off}, true},
+        {"trimmed, extruded, several 8-bit pages", {32, 3, 1, true, ePalette::Bits8}, true},
     };
     frame();
     const ImageIO::tImage blank = readFrame();
@@ -90,20 +88,14 @@ TEST_F(SheetPackerTest, EveryPictureLandsWhereItsLoosePictureWould)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.label);
-        const std::string dir = scratchDir(std::string("sheet-packer-") + std::to_string(c.maxSize) + c.label[0]);
-        SheetPacker::tOptions options;
-        options.trim = c.trim;
-        options.padding = c.padding;
-        options.extrude = c.extrude;
-        options.maxSize = c.maxSize;
-        options.palette = c.palette;
+        const std::string dir = scratchDir(std::string("sheet-packer-") + std::to_string(c.options.maxSize) + c.label[0]);
         SheetPacker::tSheet sheet;
         std::vector<std::string> errors;
-        ASSERT_TRUE(SheetPacker::pack(pictures, options, sheet, errors) && SheetPacker::write(sheet, dir + "/s", errors))
+        ASSERT_TRUE(SheetPacker::pack(pictures, c.options, sheet, errors) && SheetPacker::write(sheet, dir + "/s", errors))
             << testing::PrintToString(errors);
         EXPECT_EQ(sheet.pages.size() > 1, c.severalPages) << sheet.pages.size();
         for (const SheetPacker::tPage& page : sheet.pages)
-            EXPECT_EQ(page.paletteBits != 0, c.palette != ePalette::Off);
+            EXPECT_EQ(page.paletteBits != 0, c.options.palette != ePalette::Off);
 
         CTextureSheet textureSheet(dir + "/s.json");
         for (const SheetPacker::tPicture& p : pictures) {
