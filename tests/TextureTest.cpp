@@ -123,21 +123,6 @@ TEST(Texture, DepalettizingAnUnevenWidthDropsTrailingPixels)
     EXPECT_EQ(std::vector<uint8_t>(rgb.get(), rgb.get() + 36), expected);
 }
 
-TEST(Texture, DepalettizingNeedsAPalettedRAMImage)
-{
-    AssertCapture asserts;
-    tImageInfo info{PAL_NONE, kPixelFormatRGB888, 4, 4};
-    CTexture direct(info, true);
-    tImageInfo out{};
-    delete[] direct.ConvertImageToNoPalette(&out);
-    EXPECT_EQ(asserts.messages(), std::vector<std::string>{"ConvertImageToNoPalette: image already non-paletted\n"});
-
-    asserts.clear();
-    CTexture empty;
-    EXPECT_EQ(empty.ConvertImageToNoPalette(&out), nullptr);
-    EXPECT_EQ(asserts.messages(), std::vector<std::string>{"ConvertImageToNoPalette: image not in RAM\n"});
-}
-
 // ---- GL uploads ----
 
 using TextureGLTest = GLTest;
@@ -194,13 +179,18 @@ TEST_F(TextureGLTest, UploadCallAndStateForEachKind)
     }
 }
 
-TEST_F(TextureGLTest, UploadWithoutRAMImageMakesAnEmptyTexture)
+TEST_F(TextureGLTest, CallsWithoutTheRightRAMImageAreReported)
 {
     AssertCapture asserts;
-    CTexture t;
-    recordGL([&] { t.InitGLTexture(); });
-    EXPECT_EQ(asserts.messages(), std::vector<std::string>{"CTexture::InitGLTexture - image not in RAM\n"});
-    EXPECT_NE(t.glTextureId, 0u);
+    tImageInfo info{PAL_NONE, kPixelFormatRGB888, 4, 4}, out{};
+    CTexture direct(info, true), empty;
+    delete[] direct.ConvertImageToNoPalette(&out);
+    EXPECT_EQ(empty.ConvertImageToNoPalette(&out), nullptr);
+    recordGL([&] { empty.InitGLTexture(); });
+    EXPECT_EQ(asserts.messages(), (std::vector<std::string>{"ConvertImageToNoPalette: image already non-paletted\n",
+                                                            "ConvertImageToNoPalette: image not in RAM\n",
+                                                            "CTexture::InitGLTexture - image not in RAM\n"}));
+    EXPECT_NE(empty.glTextureId, 0u) << "an empty texture is made";
     EXPECT_EQ(GLRecorder::count("glTexImage2D") + GLRecorder::count("glCompressedTexImage2D"), 0u);
 }
 
