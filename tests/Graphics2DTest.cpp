@@ -16,15 +16,13 @@ protected:
     Graphics2DTest() : GLTest(64, 48, tColor{255, 0, 128, 255}) {}
 };
 
-TEST_F(Graphics2DTest, ClearColourIsShiftedNotScaled)
+TEST_F(Graphics2DTest, ClearColourIsShiftedNotScaledAndSecondInitChangesNothing)
 {
     CGraphics2D::Instance()->clearBuffer();
     EXPECT_EQ(pixel(10, 10), (tColor{254, 0, 128, 254})) << "0x8000 is exactly 0.5";
     EXPECT_TRUE(CGraphics2D::Instance()->swapBuffer());
-}
 
-TEST_F(Graphics2DTest, SecondInitChangesNothing)
-{
+    // A second init changes nothing.
     AssertCapture asserts;
     Tadwick::Vell::VellOpenGLConfig* first = CGraphics2D::Instance()->getConfig();
     glDisable(GL_BLEND);

@@ -73,12 +73,8 @@ TEST_F(TextureSheetTest, PicturesOfOneBitmapShareItsTexture)
     debug.clear();
     const tTextureSheetElement e = sheet.getElement("villain");
     EXPECT_TRUE(debug.has(3, "could not find villain\n"));
-    EXPECT_EQ(e.p1, v(0, 0));
-    EXPECT_EQ(e.p2, v(0, 0));
-    EXPECT_EQ(e.reg, v(0, 0));
-    for (int k = 0; k < 4; ++k)
-        EXPECT_EQ(e.cropRect[k], tFixed(0));
-    EXPECT_FALSE(e.texture);
+    EXPECT_TRUE(e.p1 == VECT2_0 && e.p2 == VECT2_0 && e.reg == VECT2_0 && !e.texture);
+    EXPECT_EQ(std::count(e.cropRect, e.cropRect + 4, ZERO_X), 4);
 }
 
 TEST_F(TextureSheetTest, IncompleteDescriptionsLoadWhatTheyCan)

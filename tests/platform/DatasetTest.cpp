@@ -70,12 +70,11 @@ TEST(Dataset, FixesPointersBelow4GiB)
     EXPECT_EQ(list[1], 0x22222222u);
     EXPECT_STREQ(reinterpret_cast<const char*>(uintptr_t(root[2])), "!hi");
 
-    EXPECT_TRUE(d->contains(base, 40));
-    EXPECT_TRUE(d->contains(base + 36, 4));
-    EXPECT_FALSE(d->contains(base + 37, 4));
-    EXPECT_FALSE(d->contains(base - 1, 1));
-    EXPECT_FALSE(d->contains(base, 41));
-    EXPECT_FALSE(d->contains(base + 8, size_t(-1)));
+    const struct { const uint8_t* at; size_t size; bool inside; } spans[] = {
+        {base, 40, true}, {base + 36, 4, true}, {base + 37, 4, false}, {base - 1, 1, false}, {base, 41, false},
+        {base + 8, size_t(-1), false}};
+    for (const auto& s : spans)
+        EXPECT_EQ(d->contains(s.at, s.size), s.inside) << s.at - base << " + " << s.size;
 
     files.write(Words{CDataset::kMagic, CDataset::kVersion, 12, 12}, Words{12});
     EXPECT_TRUE(LoadDataset(files.dset.c_str(), files.relink.c_str())) << "the last word may be a pointer";
