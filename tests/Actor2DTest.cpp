@@ -395,12 +395,9 @@ TEST_F(Actor2DTest, BoundingBoxes)
     actor->moveTo(tVect2{tFixed(5), tFixed(7)});
     tRect2 fast = actor->getBoundingBox();
     tRect2 exact = actor->getBoundingBoxAccurate();
-    for (const tRect2& r : {fast, exact}) {
-        EXPECT_EQ(r.left, tFixed(5));
-        EXPECT_EQ(r.bottom, tFixed(7));
-        EXPECT_EQ(r.right, tFixed(15));
-        EXPECT_EQ(r.top, tFixed(27));
-    }
+    for (const tRect2& r : {fast, exact})
+        EXPECT_EQ((std::vector<tFixed>{r.left, r.bottom, r.right, r.top}),
+                  (std::vector<tFixed>{tFixed(5), tFixed(7), tFixed(15), tFixed(27)}));
     // A diamond rotated by 45 degrees: its own box is tight, the box of its rotated box is not.
     const tVect3 diamond[] = {{tFixed(-10), ZERO_X, ZERO_X}, {tFixed(10), ZERO_X, ZERO_X},
                               {ZERO_X, tFixed(-10), ZERO_X}, {ZERO_X, tFixed(10), ZERO_X}};

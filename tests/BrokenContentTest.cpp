@@ -8,7 +8,7 @@
 #include "CSceneLoaderJson.h"
 #include "CTextureSheet.h"
 
-#include <algorithm>
+#include <gmock/gmock.h>
 #include <memory>
 
 namespace {
@@ -236,11 +236,7 @@ TEST_F(BrokenContentTest, EachFileGivesItsMessages)
             EXPECT_EQ(problems.empty(), std::string(c.file).find("deep") != std::string::npos);
             for (const tLoadProblem& p : problems)
                 EXPECT_EQ(p.file, path) << CLoadReport::describe(p);
-            std::vector<std::string> got = asserts.messages();
-            std::vector<std::string> want = c.asserts;
-            std::sort(got.begin(), got.end());
-            std::sort(want.begin(), want.end());
-            EXPECT_EQ(got, want);
+            EXPECT_THAT(asserts.messages(), ::testing::UnorderedElementsAreArray(c.asserts));
             for (const std::string& m : c.debug)
                 EXPECT_TRUE(debug.has(m)) << "missing debug message \"" << m << "\"";
             if (c.loaded >= 0) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <tuple>
 
 // The files come from tests/data/png/make_corpus.py; the patterns below are its own.
 namespace {
@@ -45,10 +46,8 @@ struct tGood
 void expectImage(const CTexture& t, const tGood& c)
 {
     ASSERT_TRUE(t.inRAM);
-    EXPECT_EQ(t.imageInfo.palType, c.pal);
-    EXPECT_EQ(t.imageInfo.pixelFormat, c.format);
-    EXPECT_EQ(t.imageInfo.width, c.w);
-    EXPECT_EQ(t.imageInfo.height, c.h);
+    EXPECT_EQ(std::make_tuple(t.imageInfo.palType, t.imageInfo.pixelFormat, t.imageInfo.width, t.imageInfo.height),
+              std::make_tuple(c.pal, c.format, c.w, c.h));
     if (c.entries) {
         for (unsigned long i = 0; i < t.imageInfo.GetNumPaletteEntries(); ++i) {
             tColor e = tColor{0, 0, 0, 0};

@@ -7,6 +7,7 @@
 
 #include <cstring>
 #include <memory>
+#include <tuple>
 
 namespace {
 
@@ -95,10 +96,8 @@ TEST(Texture, DepalettizesEachIndexWidth)
         std::unique_ptr<unsigned char[]> rgb(t->ConvertImageToNoPalette(&out));
         ASSERT_NE(rgb, nullptr);
         EXPECT_TRUE(debug.has(3, c.log));
-        EXPECT_EQ(out.palType, PAL_NONE);
-        EXPECT_EQ(out.pixelFormat, c.format);
-        EXPECT_EQ(out.width, c.w);
-        EXPECT_EQ(out.height, c.h);
+        EXPECT_EQ(std::make_tuple(out.palType, out.pixelFormat, out.width, out.height),
+                  std::make_tuple(PAL_NONE, c.format, c.w, c.h));
         const unsigned long bpe = info.GetBytesPerEntry();
         for (size_t p = 0; p < indices.size(); ++p)
             ASSERT_EQ(0, std::memcmp(rgb.get() + p * bpe, t->palette + indices[p] * bpe, bpe)) << "pixel " << p;

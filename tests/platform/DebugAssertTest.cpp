@@ -45,9 +45,7 @@ TEST(Assert, HandlerReceivesExactMessage)
     BaseUtils::Assert(false, "F", 1, " lead %s\n", "blank");
     BaseUtils::Assert(false, "F", 2, "%s", longText.c_str());
     BaseUtils::SetAssertHandler(previous);
-    ASSERT_EQ(got.size(), 2u);
-    EXPECT_EQ(got[0], "F| lead blank\n");
-    EXPECT_EQ(got[1], "F|" + longText);
+    EXPECT_EQ(got, (std::vector<std::string>{"F| lead blank\n", "F|" + longText}));
 }
 
 TEST(Debug, LevelFiltersStandardErrorButHandlerSeesAll)
@@ -66,9 +64,7 @@ TEST(Debug, LevelFiltersStandardErrorButHandlerSeesAll)
     debug.DebugOut(5, "verbose %s\n", "trace");
     Tadwick::Vell::CDebugMPI::SetHandler(previous);
     debug.SetDebugLevel(saved);
-    ASSERT_EQ(got.size(), 1u);
-    EXPECT_EQ(got[0].first, 5);
-    EXPECT_EQ(got[0].second, "verbose trace\n");
+    EXPECT_EQ(got, (std::vector<std::pair<int, std::string> >{{5, "verbose trace\n"}}));
 }
 
 } // namespace
