@@ -69,6 +69,12 @@ TEST_F(AvatarCostumeTest, LoadsOnlyTheMappedLODs)
     many[30] = 128;  // past the limit: must not be looked at
     EXPECT_EQ(loadedSizes(many.data(), 31), (std::vector<int>{32}));
     EXPECT_TRUE(asserts.has("AvatarCostume::addFromJson - received a list size of 31, but the max is 30."));
+    // A missing dataset is reported and loads nothing.
+    AvatarCostume costume;
+    int none = 0;
+    costume.addFromFile(dir + "/nothing.dsetBin", &none, 0);
+    EXPECT_TRUE(asserts.has("AvatarCostume::addFromDset could not load dataset file: " + dir + "/nothing.dsetBin\n"));
+    EXPECT_TRUE(costume.getLODs().empty());
 }
 
 TEST_F(AvatarCostumeTest, PiecesAndFallbacks)
@@ -107,16 +113,6 @@ TEST_F(AvatarCostumeTest, PiecesAndFallbacks)
     EXPECT_TRUE(debug.has(3, "Current contents of avatar costume object:\n"));
     EXPECT_TRUE(debug.has(3, "variation name:square\n"));
     EXPECT_TRUE(debug.has(3, "hello: [hello.wav]\n"));
-}
-
-TEST_F(AvatarCostumeTest, MissingDatasetIsReported)
-{
-    AssertCapture asserts;
-    AvatarCostume costume;
-    int none = 0;
-    costume.addFromFile(dir + "/nothing.dsetBin", &none, 0);
-    EXPECT_TRUE(asserts.has("AvatarCostume::addFromDset could not load dataset file: " + dir + "/nothing.dsetBin\n"));
-    EXPECT_TRUE(costume.getLODs().empty());
 }
 
 } // namespace

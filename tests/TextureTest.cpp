@@ -30,18 +30,9 @@ std::vector<uint8_t> packIndices(const std::vector<int>& indices, int bits)
     return out;
 }
 
-std::vector<int> patternIndices(uint32_t w, uint32_t h, unsigned long entries)
-{
-    std::vector<int> out;
-    for (uint32_t y = 0; y < h; ++y)
-        for (uint32_t x = 0; x < w; ++x)
-            out.push_back((x * 3 + y * 5) % entries);
-    return out;
-}
-
-/// A paletted RAM texture with entry i's byte b = f(i, b) and the given indices.
-std::unique_ptr<CTexture> paletted(tPalType pal, kPixelFormat format, uint32_t w, uint32_t h,
-                                   const std::vector<int>& indices)
+/// A paletted RAM texture with entry i's byte b = f(i, b) and pixel (x, y)
+/// holding index (3x + 5y) mod the entry count; indices gets the pixels' indices.
+std::unique_ptr<CTexture> paletted(tPalType pal, kPixelFormat format, uint32_t w, uint32_t h, std::vector<int>& indices)
 {
     tImageInfo info{pal, format, w, h};
     std::unique_ptr<CTexture> t(new CTexture(info, true));
@@ -49,6 +40,9 @@ std::unique_ptr<CTexture> paletted(tPalType pal, kPixelFormat format, uint32_t w
     for (unsigned long i = 0; i < info.GetNumPaletteEntries(); ++i)
         for (unsigned long b = 0; b < bpe; ++b)
             t->palette[i * bpe + b] = static_cast<uint8_t>(i * 29 + b * 7 + 1);
+    for (uint32_t y = 0; y < h; ++y)
+        for (uint32_t x = 0; x < w; ++x)
+            indices.push_back((x * 3 + y * 5) % info.GetNumPaletteEntries());
     std::vector<uint8_t> packed = packIndices(indices, bitsOf(pal));
     std::memcpy(t->pixels, packed.data(), std::min<size_t>(packed.size(), info.GetImageSize()));
     return t;
@@ -89,7 +83,7 @@ TEST(Texture, DepalettizesEachIndexWidth)
     for (const auto& c : cases) {
         SCOPED_TRACE(c.log);
         tImageInfo info{c.pal, c.format, c.w, c.h};
-        const std::vector<int> indices = patternIndices(c.w, c.h, info.GetNumPaletteEntries());
+        std::vector<int> indices;
         std::unique_ptr<CTexture> t = paletted(c.pal, c.format, c.w, c.h, indices);
         DebugCapture debug;
         tImageInfo out{};
