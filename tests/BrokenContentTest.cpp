@@ -218,7 +218,8 @@ protected:
 };
 
 // Files given to another loader than their own are just as broken, and survived.
-// Every file but the deep ones (there to be survived) names itself in the load report.
+// Every file but the deep ones that load as written (there to be survived) names
+// itself in the load report.
 TEST_F(BrokenContentTest, EachFileGivesItsMessages)
 {
     for (const tCase& c : kCases)
@@ -233,7 +234,7 @@ TEST_F(BrokenContentTest, EachFileGivesItsMessages)
             if (loader != c.loader)
                 continue;
             const std::vector<tLoadProblem> problems = CLoadReport::since(after);
-            EXPECT_EQ(problems.empty(), std::string(c.file).find("deep") != std::string::npos);
+            EXPECT_TRUE(!problems.empty() || (c.loaded == 1 && std::string(c.file).find("deep") != std::string::npos));
             for (const tLoadProblem& p : problems)
                 EXPECT_EQ(p.file, path) << CLoadReport::describe(p);
             EXPECT_THAT(asserts.messages(), ::testing::UnorderedElementsAreArray(c.asserts));
