@@ -370,6 +370,9 @@ TEST_F(Actor2DTest, CopyHasItsOwnAnimations)
     EXPECT_EQ(registeredChunks(assigned.get()), shown(assigned));
     EXPECT_EQ(assigned->getCurrentAnimationLabel(), "b");
     EXPECT_EQ(assigned->getCelCount(), 3u);
+    CActor2D plain;
+    plain = *copy;
+    EXPECT_EQ(plain.getCelCount(), 3u) << "an actor without cels takes them";
 
     // Appending to the copy goes through its own last animation, not the source's.
     tActor2DFrameStruct frame = {100, {}, {}, {}};
