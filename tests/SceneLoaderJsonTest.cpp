@@ -53,7 +53,9 @@ TEST_F(SceneLoaderJsonTest, NumbersTruncateTowardZero)
          "Reg": [0.00001, -0.00001], "Color": [10, 20, 30, 40]}
     ])");
     ASSERT_EQ(e.size(), 1u);
-    EXPECT_EQ(e[0]->getPos(), (tVect3{tFixed::fromRaw(0x18000), tFixed::fromRaw(-0x4000), tFixed::fromRaw(0x30000)}));
+    EXPECT_EQ(e[0]->getX().raw(), 0x18000);
+    EXPECT_EQ(e[0]->getY().raw(), static_cast<int32_t>(0xFFFFC000u));
+    EXPECT_EQ(e[0]->getZ().raw(), 0x30000);
     EXPECT_EQ(e[0]->getRotation().raw(), 0x2D8000);
     EXPECT_EQ(e[0]->getScale(), (tVect2{tFixed(2), ONE_HALF_X}));
     EXPECT_EQ(e[0]->getReg(), VECT2_0) << "fractions below 1/65536 truncate to 0";
