@@ -10,13 +10,12 @@ namespace {
 class CountingActor : public CBaseActor
 {
 public:
-    CountingActor() : updates(0), draws(0), elapsed(0) {}
     void update(int e) override { ++updates; elapsed += e; if (onUpdate) onUpdate(this); }
     void draw() override { ++draws; }
     void draw(tColor*) override {}
-    int updates;
-    int draws;
-    int elapsed;
+    int updates = 0;
+    int draws = 0;
+    int elapsed = 0;
     std::function<void(CountingActor*)> onUpdate;
 };
 

@@ -25,13 +25,6 @@ int indexAt(const CTexture& t, int x, int y)
     return (t.pixels[bit / 8] >> (8 - bits - bit % 8)) & ((1 << bits) - 1);
 }
 
-unsigned short entry16(const CTexture& t, int i)
-{
-    unsigned short v;
-    std::memcpy(&v, t.palette + 2 * i, 2);
-    return v;
-}
-
 struct tGood
 {
     const char* file;
@@ -56,7 +49,9 @@ void expectImage(const CTexture& t, const tGood& c)
                 if (i < c.trns.size())
                     e.a = c.trns[i];
             }
-            ASSERT_EQ(entry16(t, i), t.imageInfo.PackColor16(e)) << "entry " << i;
+            unsigned short entry;
+            std::memcpy(&entry, t.palette + 2 * i, 2);
+            ASSERT_EQ(entry, t.imageInfo.PackColor16(e)) << "entry " << i;
         }
         for (uint32_t y = 0; y < c.h; ++y)
             for (uint32_t x = 0; x < c.w; ++x)
