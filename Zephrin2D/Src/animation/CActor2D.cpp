@@ -152,7 +152,8 @@ void CActor2D::update(int elapsed)
                 return;
         }
         if (!(mStateFlags & (GOTO | JUMPED))) {
-            removeCurrentFrameFromDrawManager();
+            const boost::shared_ptr<CGraphicElement> self = celChangeSelf();
+            removeCurrentFrameFromDrawManager(self);
             if ((mStateFlags & ENDED) && isCurrentAnimationValid() &&
                 !mCurrentAnimationIterator->second.next.empty()) {
                 mCurrentAnimationIterator = mAnimationMap.find(mCurrentAnimationIterator->second.nextKey);
@@ -162,11 +163,11 @@ void CActor2D::update(int elapsed)
             if (mCurrentCelOffset + 1u < mCels.size()) {
                 ++mCurrentCelOffset;
                 // Registered before the enter operations, so a trigger callback that jumps swaps the right chunks.
-                addCurrentFrameToDrawManager();
+                addCurrentFrameToDrawManager(self);
                 executeOperations(false);
             } else {
                 stop();
-                addCurrentFrameToDrawManager();
+                addCurrentFrameToDrawManager(self);
             }
         } else if (mStateFlags & JUMPED) {
             mStateFlags &= ~JUMPED;
@@ -305,18 +306,20 @@ CActor2D::tAnimationMap::iterator CActor2D::playableAnimation(Glib::ustring cons
 
 void CActor2D::showCel(unsigned int cel)
 {
-    removeCurrentFrameFromDrawManager();
+    const boost::shared_ptr<CGraphicElement> self = celChangeSelf();
+    removeCurrentFrameFromDrawManager(self);
     mCurrentCelOffset = static_cast<unsigned short>(cel);
     findCurrentAnimation();
-    addCurrentFrameToDrawManager();
+    addCurrentFrameToDrawManager(self);
 }
 
 void CActor2D::showAnimation(tAnimationMap::iterator it)
 {
-    removeCurrentFrameFromDrawManager();
+    const boost::shared_ptr<CGraphicElement> self = celChangeSelf();
+    removeCurrentFrameFromDrawManager(self);
     mCurrentAnimationIterator = it;
     mCurrentCelOffset = static_cast<unsigned short>(it->second.startOffset);
-    addCurrentFrameToDrawManager();
+    addCurrentFrameToDrawManager(self);
 }
 
 void CActor2D::findCurrentAnimation()
@@ -359,35 +362,40 @@ boost::shared_ptr<CGraphicElement> CActor2D::managedSelf()
     return self;
 }
 
-void CActor2D::addCurrentFrameToDrawManager()
+boost::shared_ptr<CGraphicElement> CActor2D::celChangeSelf()
+{
+    return mCels.empty() || !mDrawManaged ? boost::shared_ptr<CGraphicElement>() : managedSelf();
+}
+
+void CActor2D::addCurrentFrameToDrawManager() { addCurrentFrameToDrawManager(celChangeSelf()); }
+
+void CActor2D::addCurrentFrameToDrawManager(const boost::shared_ptr<CGraphicElement>& self)
 {
     if (mCels.empty())
         return;
     const tChunkList& chunks = mCels[mCurrentCelOffset].chunks;
     // The element's own list follows the shown cel, so that moving the actor re-places it.
     mChunks = chunks;
-    if (!mDrawManaged)
+    if (!mDrawManaged || !self)
         return;
-    boost::shared_ptr<CGraphicElement> self = managedSelf();
-    if (!self)
-        return;
+    CDrawManager* const manager = CDrawManager::Instance();
     for (size_t i = 0; i < chunks.size(); ++i) {
         if (chunks[i])
-            CDrawManager::Instance()->add(self, chunks[i]);
+            manager->add(self, chunks[i]);
     }
 }
 
-void CActor2D::removeCurrentFrameFromDrawManager()
+void CActor2D::removeCurrentFrameFromDrawManager() { removeCurrentFrameFromDrawManager(celChangeSelf()); }
+
+void CActor2D::removeCurrentFrameFromDrawManager(const boost::shared_ptr<CGraphicElement>& self)
 {
-    if (mCels.empty() || !mDrawManaged)
-        return;
-    boost::shared_ptr<CGraphicElement> self = managedSelf();
-    if (!self)
+    if (mCels.empty() || !mDrawManaged || !self)
         return;
     const tChunkList& chunks = mCels[mCurrentCelOffset].chunks;
+    CDrawManager* const manager = CDrawManager::Instance();
     for (size_t i = 0; i < chunks.size(); ++i) {
         if (chunks[i])
-            CDrawManager::Instance()->remove(self, chunks[i]);
+            manager->remove(self, chunks[i]);
     }
 }
 

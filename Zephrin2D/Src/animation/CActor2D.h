@@ -166,6 +166,10 @@ private:
     static void widen(tRect2& box, const tVect3& p);
     tAnimationMap::iterator repoint(const CActor2D& other, tAnimationMap::const_iterator it);
     boost::shared_ptr<CGraphicElement> managedSelf();
+    /// The same, for a cel change: self found once for the removal and the add (empty when unmanaged).
+    boost::shared_ptr<CGraphicElement> celChangeSelf();
+    void addCurrentFrameToDrawManager(const boost::shared_ptr<CGraphicElement>& self);
+    void removeCurrentFrameFromDrawManager(const boost::shared_ptr<CGraphicElement>& self);
 
     std::vector<tActor2DFrameStruct> mCels;
     tAnimationMap mAnimationMap;
