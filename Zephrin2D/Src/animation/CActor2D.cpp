@@ -375,13 +375,19 @@ void CActor2D::addCurrentFrameToDrawManager(const boost::shared_ptr<CGraphicElem
         return;
     const tChunkList& chunks = mCels[mCurrentCelOffset].chunks;
     // The element's own list follows the shown cel, so that moving the actor re-places it.
-    mChunks = chunks;
+    if (mChunks.size() == chunks.size()) {
+        for (size_t i = 0; i < chunks.size(); ++i)
+            if (mChunks[i] != chunks[i])
+                mChunks[i] = chunks[i];
+    } else {
+        mChunks = chunks;
+    }
     if (!mDrawManaged || !self)
         return;
     CDrawManager* const manager = CDrawManager::Instance();
     for (size_t i = 0; i < chunks.size(); ++i) {
         if (chunks[i])
-            manager->add(self, chunks[i]);
+            manager->addPair(self, chunks[i]);
     }
 }
 
@@ -395,7 +401,7 @@ void CActor2D::removeCurrentFrameFromDrawManager(const boost::shared_ptr<CGraphi
     CDrawManager* const manager = CDrawManager::Instance();
     for (size_t i = 0; i < chunks.size(); ++i) {
         if (chunks[i])
-            manager->remove(self, chunks[i]);
+            manager->removePair(self, chunks[i]);
     }
 }
 

@@ -83,8 +83,18 @@ public:
 
     ~CChunkDrawList() override;
 
-    bool add(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) override;
-    bool remove(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) override;
+    bool add(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) override
+    {
+        return addHeld(element, chunk);
+    }
+    bool remove(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) override
+    {
+        return removeHeld(element, chunk);
+    }
+    bool addHeld(const boost::shared_ptr<CGraphicElement>& element,
+                 const boost::shared_ptr<CDrawChunk>& chunk) override;
+    bool removeHeld(const boost::shared_ptr<CGraphicElement>& element,
+                    const boost::shared_ptr<CDrawChunk>& chunk) override;
     bool show(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) override
     {
         return setVisible(element, chunk, true);

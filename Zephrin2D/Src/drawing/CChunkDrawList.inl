@@ -139,7 +139,8 @@ bool CChunkDrawList<Entry, Chunk>::restream(tVertexStream& stream, tEntry& e)
 }
 
 template <class Entry, class Chunk>
-bool CChunkDrawList<Entry, Chunk>::add(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk)
+bool CChunkDrawList<Entry, Chunk>::addHeld(const boost::shared_ptr<CGraphicElement>& element,
+                                           const boost::shared_ptr<CDrawChunk>& chunk)
 {
     if (!element || !chunk)
         return false;
@@ -270,8 +271,8 @@ bool CChunkDrawList<Entry, Chunk>::rejoin(tSlot slot, const boost::shared_ptr<CG
 }
 
 template <class Entry, class Chunk>
-bool CChunkDrawList<Entry, Chunk>::remove(boost::shared_ptr<CGraphicElement> element,
-                                          boost::shared_ptr<CDrawChunk> chunk)
+bool CChunkDrawList<Entry, Chunk>::removeHeld(const boost::shared_ptr<CGraphicElement>& element,
+                                              const boost::shared_ptr<CDrawChunk>& chunk)
 {
     const tSlot slot = lookup(element.get(), chunk.get());
     if (slot == tIndex::NOT_FOUND)

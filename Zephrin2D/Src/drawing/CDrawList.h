@@ -68,6 +68,17 @@ public:
     /// Element colours were turned on or off for all: every entry takes its
     /// colour again; the pairs that belong in a list of the other kind are added to misplaced.
     virtual void recolorAll(tPairs& /*misplaced*/) {}
+    /// add and remove for a caller that holds both references for the whole
+    /// call (the draw manager on a cel change); lists override them to spare the copies.
+    virtual bool addHeld(const boost::shared_ptr<CGraphicElement>& element, const boost::shared_ptr<CDrawChunk>& chunk)
+    {
+        return add(element, chunk);
+    }
+    virtual bool removeHeld(const boost::shared_ptr<CGraphicElement>& element,
+                            const boost::shared_ptr<CDrawChunk>& chunk)
+    {
+        return remove(element, chunk);
+    }
 
 protected:
     /// The one texture a list holds chunks of, once it knows it (0 until then, or for any).

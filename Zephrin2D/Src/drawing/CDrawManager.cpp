@@ -74,6 +74,12 @@ void CDrawManager::remove(boost::shared_ptr<CGraphicElement> element)
 
 void CDrawManager::add(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk)
 {
+    addPair(element, chunk);
+}
+
+void CDrawManager::addPair(const boost::shared_ptr<CGraphicElement>& element,
+                           const boost::shared_ptr<CDrawChunk>& chunk)
+{
     if (!element || !chunk)
         return;
     element->setDrawManaged(true);
@@ -84,10 +90,10 @@ void CDrawManager::add(boost::shared_ptr<CGraphicElement> element, boost::shared
     tListQueue& queue = chunk->isTranslucentFor(*element) ? mTranslucentLists : mOpaqueLists;
     const uint32_t textureId = chunk->getTextureId();
     for (tListQueue::const_iterator it = queue.begin(); it != queue.end(); ++it)
-        if ((*it)->mayTake(textureId) && (*it)->add(element, chunk))
+        if ((*it)->mayTake(textureId) && (*it)->addHeld(element, chunk))
             return;
     boost::shared_ptr<CDrawList> list = chunk->createDrawList();
-    if (list && list->add(element, chunk))
+    if (list && list->addHeld(element, chunk))
         queue.push_back(list);
 }
 
@@ -143,15 +149,21 @@ void CDrawManager::recolor(const boost::shared_ptr<CGraphicElement>& element,
 
 void CDrawManager::remove(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk)
 {
+    removePair(element, chunk);
+}
+
+void CDrawManager::removePair(const boost::shared_ptr<CGraphicElement>& element,
+                              const boost::shared_ptr<CDrawChunk>& chunk)
+{
     if (!element || !chunk)
         return;
     // The list the chunk names refuses a pair it does not hold; only then is there a search.
     boost::shared_ptr<CDrawList> list = chunk->getDrawList().lock();
-    if (list && list->remove(element, chunk))
+    if (list && list->removeHeld(element, chunk))
         return;
     list = listOf(element, chunk);
     if (list)
-        list->remove(element, chunk);
+        list->removeHeld(element, chunk);
 }
 
 void CDrawManager::show(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk)

@@ -37,6 +37,10 @@ public:
     void remove(boost::shared_ptr<CGraphicElement> element);
     void add(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk);
     void remove(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk);
+    /// The same as add and remove of a pair, for callers that hold the
+    /// references already (a cel change): no reference count is touched on the way in.
+    void addPair(const boost::shared_ptr<CGraphicElement>& element, const boost::shared_ptr<CDrawChunk>& chunk);
+    void removePair(const boost::shared_ptr<CGraphicElement>& element, const boost::shared_ptr<CDrawChunk>& chunk);
     void show(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk);
     void hide(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk);
 
