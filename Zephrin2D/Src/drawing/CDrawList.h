@@ -32,10 +32,6 @@ public:
     virtual bool hide(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) = 0;
     /// The element moved: its vertices are rebuilt before the next draw.
     virtual void markDirtyVertices(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) = 0;
-    /// The same, called by the element itself (held by a shared owner, as
-    /// every element in a list is); lists that find pairs by address
-    /// override it and spare the reference counting of every move.
-    virtual void markMoved(CGraphicElement& element, const boost::shared_ptr<CDrawChunk>& chunk);
     /// The next draw re-creates the buffers at their exact sizes.
     virtual void shrink() = 0;
     /// Drops every entry and deletes the GL buffers.
@@ -48,6 +44,14 @@ public:
     /// Draws the entries at depth z; returns the next pending depth or NO_MORE_DEPTHS.
     virtual int drawZDepth(int z) = 0;
     virtual bool empty() = 0;
+
+    // Operations beyond the ones above come after them, so that the slots
+    // of those stay where lists built against the library expect them.
+
+    /// markDirtyVertices, called by the element itself (held by a shared owner, as
+    /// every element in a list is); lists that find pairs by address
+    /// override it and spare the reference counting of every move.
+    virtual void markMoved(CGraphicElement& element, const boost::shared_ptr<CDrawChunk>& chunk);
 
     /// Whether the list takes translucent chunks (fixed by its first chunk).
     virtual bool isTranslucent() const = 0;
