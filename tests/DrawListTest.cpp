@@ -137,6 +137,20 @@ TEST_F(DrawListTest, MovingOneOfAHundredUploadsOnlyItsPositions)
         EXPECT_EQ(sub[0].offset, i * 4 * 12) << i;
     }
 
+    // Moves out of buffer order, or more than a list records, upload the same way, in buffer order.
+    for (int count : {3, 40}) {
+        GLRecorder::clear();
+        GLRecorder::start();
+        for (int i = count - 1; i >= 0; --i)
+            elements[i * 2]->moveBy(tVect2{ONE_X, ZERO_X});
+        frame();
+        GLRecorder::stop();
+        sub = GLRecorder::callsNamed("glBufferSubData");
+        ASSERT_EQ(sub.size(), static_cast<size_t>(count));
+        for (int i = 0; i < count; ++i)
+            EXPECT_EQ(sub[i].offset, i * 2 * 4 * 12) << count;
+    }
+
     const unsigned long before = AllocationCounter::count();
     for (int i = 0; i < 10; ++i)
         elements[i * 7]->moveBy(tVect2{ONE_X, ZERO_X});

@@ -109,7 +109,18 @@ public:
     }
     void markMoved(CGraphicElement& element, const boost::shared_ptr<CDrawChunk>& chunk) override
     {
-        markDirty(&element, chunk.get(), false);
+        // The chunk's hint, inline and apart from the lookup, so that this path saves no registers.
+        CDrawChunk* const c = chunk.get();
+        const tSlot hint = c ? c->getListSlot() : tSlot(0);
+        if (c && mPool.holds(hint)) {
+            tEntry& e = mPool[hint];
+            if (e.element.get() == &element && e.chunk.get() == c) {
+                if (!e.parked)
+                    flagDirty(e, false);
+                return;
+            }
+        }
+        markDirty(&element, c, false);
     }
     void shrink() override
     {
@@ -159,7 +170,7 @@ protected:
     CChunkDrawList(const tMessages& messages, bool texCoords)
         : mTranslucent(false), mHasTexture(false), mTextureId(0), mVertexBuffer(0), mTexCoordBuffer(0),
           mBufferedVertexCount(0), mVertexCount(0), mVerticesDirty(false), mIndexCount(0), mHiddenIndexCount(0),
-          mIndicesDirty(false), mColorBuffer(0), mTintedCount(0), mColorsValid(false), mAlphaCursor(0), mOrderDirty(false), mSortedPrefix(0), mDeadRefs(0), mSortedFrontToBack(false), mRewriteFrom(NONE),
+          mIndicesDirty(false), mColorBuffer(0), mTintedCount(0), mColorsValid(false), mAlphaCursor(0), mOrderDirty(false), mSortedPrefix(0), mDeadRefs(0), mSortedFrontToBack(false), mRewriteFrom(NONE), mMovedCount(0), mMoveCount(0), mLastMovedOffset(0), mScanAll(true),
           mNextOrder(0), mVertexEnd(0), mLiveCount(0), mIndex(mPool), mMessages(messages), mTexCoords(texCoords)
     {
     }
@@ -214,7 +225,23 @@ protected:
         const uint32_t slot = lookup(element, chunk);
         return slot == tIndex::NOT_FOUND || mPool[slot].parked ? 0 : &mPool[slot];
     }
-    void markDirty(const CGraphicElement* element, CDrawChunk* chunk, bool texCoords);
+    __attribute__((noinline)) void markDirty(const CGraphicElement* element, CDrawChunk* chunk, bool texCoords);
+    void flagDirty(tEntry& entry, bool texCoords)
+    {
+        const bool wasClean = !entry.dirty && !entry.colorDirty;
+        entry.dirty = true;
+        entry.texCoordsDirty = entry.texCoordsDirty || texCoords;
+        mVerticesDirty = true;
+        if (!wasClean)
+            return;
+        if (mScanAll)
+            ++mMoveCount;
+        else
+            recordMove(entry);
+    }
+    /// Notes a clean entry's move in the record of moved entries; kept out
+    /// of line: the lookup before it then needs no registers saved.
+    __attribute__((noinline)) void recordMove(tEntry& entry);
     /// Orders the visible entries by depth (ties by acceptance).
     void sortEntries(bool frontToBack);
     /// Drops the references of entries taken out since the last sort.
@@ -226,6 +253,8 @@ protected:
         return mSortedEntries.empty() ? NO_MORE_DEPTHS : mSortedEntries[0].depth;
     }
     void deleteVertexBuffers();
+    /// Entries were flagged otherwise than by a move: the next upload looks at every entry.
+    void scanAllDirty() { mScanAll = true; }
     /// Enables and points the colour array when the list draws colours; true when it did.
     bool bindColors();
 
@@ -336,7 +365,8 @@ private:
     bool setVisible(const boost::shared_ptr<CGraphicElement>& element, const boost::shared_ptr<CDrawChunk>& chunk,
                     bool visible);
     void uploadVertices(size_t firstEntry, bool allocate, bool colors);
-    void uploadDirtyVertices(bool colors);
+    /// scanAll: look at every entry, not only the moved ones.
+    void uploadDirtyVertices(bool colors, bool scanAll);
     /// Writes every entry's colour into a colour buffer of the vertex buffer's size.
     void uploadColors();
     /// Takes the element's colour into the entry's flags and the tinted count.
@@ -347,6 +377,19 @@ private:
 
     /// Entries from this one on moved in the vertex buffer and are rewritten whole.
     size_t mRewriteFrom;
+    /// The entries moves flagged since the last upload, in buffer order, so
+    /// that a few moves among many entries are uploaded without a look at
+    /// the others (the pool's blocks never move, and dropping entries makes
+    /// the next upload look at all). Room for an eighth of the entries is
+    /// made as they are added; more moves than that (then also in the next
+    /// frame), moves out of buffer order or any other flagging (mScanAll)
+    /// make the upload look at all.
+    std::vector<tEntry*> mMovedEntries;
+    size_t mMovedCount;
+    /// Moves flagged since the last upload, recorded or not.
+    size_t mMoveCount;
+    uint16_t mLastMovedOffset;
+    bool mScanAll;
     uint32_t mNextOrder;
     std::vector<tParked> mParked;
     /// Vertices the entries, parked ones included, take in the buffers.

@@ -199,8 +199,11 @@ bool CChunkDrawList<Entry, Chunk>::addHeld(const boost::shared_ptr<CGraphicEleme
     mIndex.insert(slot);
     mVertexEnd = static_cast<uint16_t>(mVertexEnd + vertexCount);
     reserveOneMore(mEntries);
+    if (mMovedEntries.size() < mEntries.capacity() / 8)
+        mMovedEntries.resize(mEntries.capacity() / 8);
     mEntries.push_back(mPool.shared(slot));
     mVerticesDirty = true;
+    mScanAll = true;
     join(slot, *typed);
     return true;
 }
@@ -266,6 +269,8 @@ bool CChunkDrawList<Entry, Chunk>::rejoin(tSlot slot, const boost::shared_ptr<CG
         e.depth = depthOf(e);
         mVerticesDirty = true;
     }
+    // It may have been flagged while parked.
+    mScanAll = true;
     join(slot, typed);
     return true;
 }
@@ -356,6 +361,7 @@ void CChunkDrawList<Entry, Chunk>::dropParked(bool goneOnly)
     mEntries.resize(w);
     mVertexEnd = offset;
     mRewriteFrom = rewriteFrom;
+    mScanAll = true;
     if (rewriteFrom != NONE)
         mVerticesDirty = true;
     size_t k = 0;
@@ -410,9 +416,19 @@ void CChunkDrawList<Entry, Chunk>::markDirty(const CGraphicElement* element, CDr
     tEntry* const entry = find(element, chunk);
     if (!entry)
         return;
-    entry->dirty = true;
-    entry->texCoordsDirty = entry->texCoordsDirty || texCoords;
-    mVerticesDirty = true;
+    flagDirty(*entry, texCoords);
+}
+
+template <class Entry, class Chunk>
+void CChunkDrawList<Entry, Chunk>::recordMove(tEntry& entry)
+{
+    ++mMoveCount;
+    if (mMovedCount < mMovedEntries.size() && (mMovedCount == 0 || entry.vertexOffset > mLastMovedOffset)) {
+        mMovedEntries[mMovedCount++] = &entry;
+        mLastMovedOffset = entry.vertexOffset;
+    } else {
+        mScanAll = true;
+    }
 }
 
 template <class Entry, class Chunk>
@@ -442,6 +458,7 @@ void CChunkDrawList<Entry, Chunk>::takeColor(tEntry& e)
     if (mTintedCount > 0) {
         e.colorDirty = true;
         mVerticesDirty = true;
+        mScanAll = true;
     }
 }
 
@@ -496,6 +513,8 @@ void CChunkDrawList<Entry, Chunk>::clear()
     }
     mEntries.clear();
     mParked.clear();
+    mMovedCount = 0;
+    mScanAll = true;
     mLiveCount = 0;
     mVertexEnd = 0;
     mIndex.clear();
@@ -544,6 +563,9 @@ void CChunkDrawList<Entry, Chunk>::bufferVertices()
         glGenBuffers(1, &mColorBuffer);
     if (mBufferedVertexCount < mVertexEnd)
         dropParked(true);
+    // Flags set while uploading (a parked pair found gone) are seen at the next upload.
+    const bool scanAll = mScanAll;
+    mScanAll = false;
     if (mBufferedVertexCount < mVertexEnd) {
         uploadVertices(0, true, colors);
         mBufferedVertexCount = mVertexEnd;
@@ -552,8 +574,12 @@ void CChunkDrawList<Entry, Chunk>::bufferVertices()
             uploadColors();
         if (mRewriteFrom < mEntries.size())
             uploadVertices(mRewriteFrom, false, colors);
-        uploadDirtyVertices(colors);
+        uploadDirtyVertices(colors, scanAll);
     }
+    // After more moves than the record holds, the next frame does not record them.
+    mScanAll = mScanAll || mMoveCount > mMovedEntries.size();
+    mMovedCount = 0;
+    mMoveCount = 0;
     mColorsValid = colors;
     mRewriteFrom = NONE;
     mVerticesDirty = false;
@@ -589,7 +615,7 @@ void CChunkDrawList<Entry, Chunk>::uploadVertices(size_t firstEntry, bool alloca
 }
 
 template <class Entry, class Chunk>
-void CChunkDrawList<Entry, Chunk>::uploadDirtyVertices(bool colors)
+void CChunkDrawList<Entry, Chunk>::uploadDirtyVertices(bool colors, bool scanAll)
 {
     bool countsMatch = true;
     {
@@ -597,9 +623,10 @@ void CChunkDrawList<Entry, Chunk>::uploadDirtyVertices(bool colors)
         const unsigned colorPart = colors ? tVertexStream::COLORS : 0;
         // Streaming changes no entry vector: its bounds stay in registers across the calls.
         const boost::shared_ptr<tEntry>* const entries = mEntries.data();
-        const size_t count = mEntries.size();
+        tEntry* const* const moved = mMovedEntries.data();
+        const size_t count = scanAll ? mEntries.size() : mMovedCount;
         for (size_t i = 0; i < count; ++i) {
-            tEntry& e = *entries[i];
+            tEntry& e = scanAll ? *entries[i] : *moved[i];
             if ((!e.dirty && !e.colorDirty) || e.parked)
                 continue;
             if (colors)

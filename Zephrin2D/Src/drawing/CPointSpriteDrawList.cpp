@@ -75,6 +75,7 @@ void CPointSpriteDrawList::prepare()
         if (!e.parked && e.chunk->getRevision() != e.revision) {
             e.dirty = true;
             mVerticesDirty = true;
+            scanAllDirty();
         }
     }
     if (mVerticesDirty)
