@@ -621,14 +621,9 @@ void CChunkDrawList<Entry, Chunk>::uploadDirtyVertices(bool colors, bool scanAll
     {
         tVertexStream stream(mVertexBuffer, mTexCoordBuffer, mColorBuffer);
         const unsigned colorPart = colors ? tVertexStream::COLORS : 0;
-        // Streaming changes no entry vector: its bounds stay in registers across the calls.
-        const boost::shared_ptr<tEntry>* const entries = mEntries.data();
-        tEntry* const* const moved = mMovedEntries.data();
-        const size_t count = scanAll ? mEntries.size() : mMovedCount;
-        for (size_t i = 0; i < count; ++i) {
-            tEntry& e = scanAll ? *entries[i] : *moved[i];
+        const auto upload = [&](tEntry& e) {
             if ((!e.dirty && !e.colorDirty) || e.parked)
-                continue;
+                return;
             if (colors)
                 stream.setColor(colorOf(e));
             if (e.dirty) {
@@ -640,6 +635,16 @@ void CChunkDrawList<Entry, Chunk>::uploadDirtyVertices(bool colors, bool scanAll
                 stream.putColors(e.vertexCount);
             }
             e.colorDirty = false;
+        };
+        // Streaming changes no entry vector: its bounds stay in registers across the calls.
+        if (scanAll) {
+            const boost::shared_ptr<tEntry>* const entries = mEntries.data();
+            const size_t count = mEntries.size();
+            for (size_t i = 0; i < count; ++i)
+                upload(*entries[i]);
+        } else {
+            for (size_t i = 0; i < mMovedCount; ++i)
+                upload(*mMovedEntries[i]);
         }
     }
     BaseUtils::Assert(countsMatch, mMessages.file, __LINE__, mMessages.dirtyMismatch);
