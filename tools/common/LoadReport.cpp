@@ -1,6 +1,7 @@
 #include "LoadReport.h"
 
 #include <BaseUtils.h>
+#include <CLoadReport.h>
 #include <DebugMPI.h>
 
 namespace {
@@ -12,16 +13,6 @@ const char* const kFailures[] = {
     "ID number is wrong", "failed to open file", "libpng error", "should be power of 2",
     "names no file", "has no name", "OpenGL Error", "could not select font", "could not load font",
 };
-
-std::string oneLine(std::string text)
-{
-    while (!text.empty() && (text.back() == '\n' || text.back() == ' '))
-        text.pop_back();
-    for (char& c : text)
-        if (c == '\n')
-            c = ' ';
-    return text;
-}
 
 } // namespace
 
@@ -51,14 +42,14 @@ void LoadReport::add(int count, const std::string& first)
 {
     if (count <= 0)
         return;
-    mFirst = oneLine(first);
+    mFirst = CLoadReport::oneLine(first);
     mFound += count;
 }
 
 void LoadReport::note(const std::string& text)
 {
     if (mCount++ == 0 && mFound == 0)
-        mFirst = oneLine(text);
+        mFirst = CLoadReport::oneLine(text);
 }
 
 bool LoadReport::isFailure(int level, const std::string& text)

@@ -27,16 +27,6 @@ tState& state()
     return s;
 }
 
-std::string oneLine(std::string text)
-{
-    while (!text.empty() && (text.back() == '\n' || text.back() == ' '))
-        text.pop_back();
-    for (char& c : text)
-        if (c == '\n')
-            c = ' ';
-    return text;
-}
-
 bool has(const std::string& text, const char* part) { return text.find(part) != std::string::npos; }
 
 // Level-3 messages that mean something did not load as written (the rest
@@ -59,7 +49,7 @@ bool isFailure(int level, const std::string& text)
 void record(const std::string& source, const std::string& message)
 {
     tState& s = state();
-    const std::string text = oneLine(message);
+    const std::string text = CLoadReport::oneLine(message);
     tLoadProblem::tReason reason = tLoadProblem::BAD_CONTENT;
     Glib::ustring asked = s.asked.empty() ? Glib::ustring() : s.asked.back();
     const size_t find = text.find("could not find ");
@@ -178,4 +168,14 @@ CLoadReport::tScope::~tScope()
         s.previousAssert = BaseUtils::tAssertHandler();
         s.previousDebug = CDebugMPI::tHandler();
     }
+}
+
+std::string CLoadReport::oneLine(std::string text)
+{
+    while (!text.empty() && (text.back() == '\n' || text.back() == ' '))
+        text.pop_back();
+    for (char& c : text)
+        if (c == '\n')
+            c = ' ';
+    return text;
 }

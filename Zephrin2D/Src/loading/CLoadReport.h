@@ -3,6 +3,7 @@
 
 #include <glibmm/ustring.h>
 #include <stdint.h>
+#include <string>
 #include <vector>
 
 /// One thing that did not load as asked.
@@ -45,6 +46,8 @@ public:
     /// "FILE: why" in words, for a person.
     static Glib::ustring describe(const tLoadProblem& problem);
     static void clear();
+    /// A message as one line: trailing blanks and newlines dropped, inner newlines made spaces.
+    static std::string oneLine(std::string text);
 
     /// Drops problems of one reason reported after mark: a loader that found
     /// the thing another way after all.
