@@ -504,9 +504,10 @@ template <class Entry, class Chunk>
 void CChunkDrawList<Entry, Chunk>::clear()
 {
     for (size_t i = 0; i < mEntries.size(); ++i) {
-        Chunk& chunk = *mEntries[i]->chunk;
+        // A parked entry's chunk may be gone: it is not touched.
         if (mEntries[i]->parked)
             continue;
+        Chunk& chunk = *mEntries[i]->chunk;
         releaseHold(chunk);
         if (chunk.getDrawList().lock().get() == this)
             chunk.setDrawList(boost::weak_ptr<CDrawList>());
