@@ -18,7 +18,8 @@ static_assert(sizeof(tElementTexturedChunkPairEntryStruct) <= 2 * sizeof(boost::
               "entry grew");
 
 CTexturedDrawList::CTexturedDrawList()
-    : CChunkDrawList(kMessages, true), mIndexBuffers{0, 0}, mNextIndexBuffer(0), mBufferedIndexCount(0)
+    : CChunkDrawList(kMessages, true), mIndexBuffers{0, 0}, mNextIndexBuffer(0), mBufferedIndexCount(0),
+      mIndexBufferSizes{0, 0}
 {
 }
 
@@ -33,6 +34,7 @@ void CTexturedDrawList::deleteIndexBuffers()
         if (mIndexBuffers[i])
             glDeleteBuffers(1, &mIndexBuffers[i]);
     mIndexBuffers[0] = mIndexBuffers[1] = 0;
+    mIndexBufferSizes[0] = mIndexBufferSizes[1] = 0;
 }
 
 bool CTexturedDrawList::streamEntry(tVertexStream& stream, tEntry& e)
@@ -65,26 +67,30 @@ void CTexturedDrawList::shrink()
 {
     CChunkDrawList::shrink();
     mBufferedIndexCount = 0;
+    mIndexBufferSizes[0] = mIndexBufferSizes[1] = 0;
     mIndicesDirty = true;
 }
 
 void CTexturedDrawList::clear()
 {
     CChunkDrawList::clear();
+    mAlphaOrder.clear();
     deleteIndexBuffers();
     mBufferedIndexCount = 0;
 }
 
-size_t CTexturedDrawList::uploadIndices(size_t first, size_t last, size_t count, bool allocate)
+template <class EntryAt>
+size_t CTexturedDrawList::uploadIndices(size_t first, size_t last, size_t count, bool allocate, EntryAt entryAt,
+                                        size_t padTo, size_t* allocated)
 {
     size_t written = 0;
     bool countsMatch = true;
     bool inRange = true;
     {
         // An unknown count (a translucent depth) sizes the buffer by what is written.
-        tIndexStream stream(allocate && count != UNKNOWN_COUNT ? count : 0, allocate ? mIndexCount : 0);
+        tIndexStream stream(allocate && count != UNKNOWN_COUNT ? count : 0, allocate ? mIndexCount : 0, padTo);
         for (size_t r = first; r < last; ++r) {
-            boost::shared_ptr<tEntry> e = mSortedEntries[r].entry.lock();
+            tEntry* const e = entryAt(r);
             if (!e)
                 continue;
             e->indexOffset = static_cast<uint16_t>(written);
@@ -99,6 +105,9 @@ size_t CTexturedDrawList::uploadIndices(size_t first, size_t last, size_t count,
                 stream.put(e->vertexOffset);
             written += e->indexCount;
         }
+        stream.flush();
+        if (allocated)
+            *allocated = stream.allocated();
     }
     BaseUtils::Assert(countsMatch && (written == count || count == UNKNOWN_COUNT), kMessages.file, __LINE__,
                       allocate ? "CTexturedDrawList::bufferIndices 1 index count mismatch"
@@ -117,7 +126,12 @@ void CTexturedDrawList::bufferIndices()
         return;
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, mIndexBuffers[0]);
     const bool grow = mBufferedIndexCount < mIndexCount;
-    uploadIndices(0, mSortedEntries.size(), mIndexCount, grow);
+    // Kept alive by the list while it writes them.
+    boost::shared_ptr<tEntry> held;
+    uploadIndices(0, mSortedEntries.size(), mIndexCount, grow, [&](size_t r) {
+        held = mSortedEntries[r].entry.lock();
+        return held.get();
+    });
     if (grow)
         mBufferedIndexCount = mIndexCount;
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
@@ -159,8 +173,13 @@ int CTexturedDrawList::prepareAlphaDraw()
 {
     if (mVerticesDirty)
         bufferVertices();
-    if (mOrderDirty || mSortedFrontToBack)
-        sortEntries(false);
+    if (mOrderDirty || mSortedFrontToBack || mAlphaOrder.size() != mSortedEntries.size()) {
+        if (mOrderDirty || mSortedFrontToBack)
+            sortEntries(false);
+        mAlphaOrder.resize(mSortedEntries.size());
+        for (size_t r = 0; r < mSortedEntries.size(); ++r)
+            mAlphaOrder[r] = mSortedEntries[r].entry.lock().get();
+    }
     if (!mIndexBuffers[0])
         glGenBuffers(2, mIndexBuffers);
     else if (!mIndexBuffers[1])
@@ -176,10 +195,20 @@ int CTexturedDrawList::drawZDepth(int z)
     while (last < mSortedEntries.size() && mSortedEntries[last].depth == z)
         ++last;
     if (last > first && mIndexBuffers[1]) {
+        size_t& size = mIndexBufferSizes[mNextIndexBuffer];
         const GLuint buffer = mIndexBuffers[mNextIndexBuffer];
         mNextIndexBuffer ^= 1;
         glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, buffer);
-        const size_t count = uploadIndices(first, last, UNKNOWN_COUNT, true);
+        // Without a pass prepared since the references last changed, the entries are looked up.
+        const bool prepared = !mOrderDirty && !mSortedFrontToBack && mAlphaOrder.size() == mSortedEntries.size();
+        tEntry* const* const order = mAlphaOrder.data();
+        boost::shared_ptr<tEntry> held;
+        const size_t count = uploadIndices(first, last, UNKNOWN_COUNT, true, [&](size_t r) {
+            if (prepared)
+                return order[r];
+            held = mSortedEntries[r].entry.lock();
+            return held.get();
+        }, size, &size);
         if (count > 0)
             bindAndDraw(buffer, count);
         else

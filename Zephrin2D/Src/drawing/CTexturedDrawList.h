@@ -45,13 +45,23 @@ private:
     static constexpr size_t UNKNOWN_COUNT = static_cast<size_t>(-1);
     /// Writes the indices of sorted entries [first, last), count of them or
     /// UNKNOWN_COUNT, into the bound element buffer; returns how many.
-    size_t uploadIndices(size_t first, size_t last, size_t count, bool allocate);
+    /// entryAt(r) gives the entry of sorted reference r, or none. padTo and
+    /// allocated: see tIndexStream.
+    template <class EntryAt>
+    size_t uploadIndices(size_t first, size_t last, size_t count, bool allocate, EntryAt entryAt,
+                         size_t padTo = 0, size_t* allocated = nullptr);
     void bindAndDraw(GLuint indexBuffer, size_t count);
     void deleteIndexBuffers();
 
     GLuint mIndexBuffers[2];
     int mNextIndexBuffer;
     uint16_t mBufferedIndexCount;
+    /// Indices each translucent index buffer was last sized for.
+    size_t mIndexBufferSizes[2];
+    /// The translucent pass's entries in the order of the sorted references,
+    /// taken when they were last sorted: the sorted references only change
+    /// through what makes the next pass sort again, and entries never move.
+    std::vector<tEntry*> mAlphaOrder;
 };
 
 #endif

@@ -4,6 +4,7 @@
 #include <GLES/gl.h>
 #include <stddef.h>
 #include <stdint.h>
+#include <string.h>
 
 /// The index counterpart of tVertexStream: streams indices from the stack
 /// into the bound GL_ELEMENT_ARRAY_BUFFER.
@@ -16,8 +17,12 @@ public:
     /// allocateTotal: the buffer is (re)allocated for that many indices (0: it is kept).
     /// allocateUpTo: without a total, the buffer is allocated for what was
     /// written when it fits one block, else for allocateUpTo indices.
-    explicit tIndexStream(size_t allocateTotal, size_t allocateUpTo = 0)
-        : mStart(0), mCount(0), mAllocateTotal(allocateTotal), mAllocateUpTo(allocateTotal ? 0 : allocateUpTo)
+    /// padTo: what was written in one block is padded with zeros up to that
+    /// many indices (at most a block), so that a buffer refilled again and
+    /// again keeps its size and the driver reuses its storage.
+    explicit tIndexStream(size_t allocateTotal, size_t allocateUpTo = 0, size_t padTo = 0)
+        : mStart(0), mCount(0), mAllocateTotal(allocateTotal), mAllocateUpTo(allocateTotal ? 0 : allocateUpTo),
+          mPadTo(padTo < size_t(BLOCK) ? padTo : size_t(BLOCK)), mAllocated(0)
     {
     }
     ~tIndexStream() { flush(true); }
@@ -62,6 +67,9 @@ public:
         return !past;
     }
     size_t written() const { return mStart + mCount; }
+    /// The indices the buffer was allocated for; valid once the stream is flushed.
+    size_t allocated() const { return mAllocated; }
+    void flush() { flush(true); }
 
 private:
     void flush(bool last)
@@ -71,12 +79,16 @@ private:
         const size_t size = sizeof(uint16_t);
         bool done = false;
         if (mAllocateUpTo) {
-            mAllocateTotal = last && mStart == 0 ? mCount : mAllocateUpTo;
+            const bool oneBlock = last && mStart == 0;
+            if (oneBlock && mCount < mPadTo)
+                memset(mIndices + mCount, 0, (mPadTo - mCount) * size);
+            mAllocateTotal = oneBlock ? (mCount < mPadTo ? mPadTo : mCount) : mAllocateUpTo;
             mAllocateUpTo = 0;
         }
         if (mAllocateTotal) {
-            done = mCount == mAllocateTotal;
+            done = mStart == 0 && mCount <= mAllocateTotal && (mCount == mAllocateTotal || mAllocateTotal <= mPadTo);
             glBufferData(GL_ELEMENT_ARRAY_BUFFER, mAllocateTotal * size, done ? mIndices : 0, GL_DYNAMIC_DRAW);
+            mAllocated = mAllocateTotal;
             mAllocateTotal = 0;
         }
         if (!done)
@@ -89,6 +101,8 @@ private:
     size_t mCount;
     size_t mAllocateTotal;
     size_t mAllocateUpTo;
+    size_t mPadTo;
+    size_t mAllocated;
     uint16_t mIndices[BLOCK];
 };
 
