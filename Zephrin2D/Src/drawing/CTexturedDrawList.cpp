@@ -200,15 +200,17 @@ int CTexturedDrawList::drawZDepth(int z)
         mNextIndexBuffer ^= 1;
         glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, buffer);
         // Without a pass prepared since the references last changed, the entries are looked up.
-        const bool prepared = !mOrderDirty && !mSortedFrontToBack && mAlphaOrder.size() == mSortedEntries.size();
-        tEntry* const* const order = mAlphaOrder.data();
-        boost::shared_ptr<tEntry> held;
-        const size_t count = uploadIndices(first, last, UNKNOWN_COUNT, true, [&](size_t r) {
-            if (prepared)
-                return order[r];
-            held = mSortedEntries[r].entry.lock();
-            return held.get();
-        }, size, &size);
+        size_t count;
+        if (!mOrderDirty && !mSortedFrontToBack && mAlphaOrder.size() == mSortedEntries.size()) {
+            tEntry* const* const order = mAlphaOrder.data();
+            count = uploadIndices(first, last, UNKNOWN_COUNT, true, [order](size_t r) { return order[r]; }, size, &size);
+        } else {
+            boost::shared_ptr<tEntry> held;
+            count = uploadIndices(first, last, UNKNOWN_COUNT, true, [&](size_t r) {
+                held = mSortedEntries[r].entry.lock();
+                return held.get();
+            }, size, &size);
+        }
         if (count > 0)
             bindAndDraw(buffer, count);
         else

@@ -101,8 +101,6 @@ void CGraphicElement::setColor(tColor color)
         colorChanged();
 }
 
-bool CGraphicElement::drawsColor() const { return mColorEnabled || CDrawManager::colorsEnabled(); }
-
 void CGraphicElement::setColorEnabled(bool enabled)
 {
     const bool before = drawsColor();

@@ -1,6 +1,7 @@
 #ifndef ZEPHRIN2D_CGRAPHICELEMENT_H
 #define ZEPHRIN2D_CGRAPHICELEMENT_H
 
+#include "CDrawManager.h"
 #include "tMatrix23.h"
 #include "tRect2.h"
 
@@ -91,7 +92,7 @@ public:
     void setColorEnabled(bool enabled);
     bool isColorEnabled() const { return mColorEnabled; }
     /// Whether batched drawing applies the colour (enabled here or for all).
-    bool drawsColor() const;
+    bool drawsColor() const { return mColorEnabled || CDrawManager::colorsEnabled(); }
     /// The colour batched drawing multiplies the texels by when it applies
     /// colours: the element's colour, or white for an element whose texels
     /// already carry it.
