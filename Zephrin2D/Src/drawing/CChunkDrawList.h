@@ -141,7 +141,16 @@ public:
     {
         return element ? recolorHeld(*element, chunk) : NOT_HELD;
     }
-    tRecolor recolorHeld(CGraphicElement& element, const boost::shared_ptr<CDrawChunk>& chunk) override;
+    tRecolor recolorHeld(CGraphicElement& element, const boost::shared_ptr<CDrawChunk>& chunk) override
+    {
+        tEntry* const entry = find(&element, chunk.get());
+        if (!entry)
+            return NOT_HELD;
+        if (entry->chunk->isTranslucentFor(element) != mTranslucent)
+            return MISPLACED;
+        takeColor(*entry);
+        return RECOLORED;
+    }
     void recolorAll(tPairs& misplaced) override;
 
     uint32_t getTextureId() const { return mTextureId; }
@@ -370,7 +379,26 @@ private:
     /// Writes every entry's colour into a colour buffer of the vertex buffer's size.
     void uploadColors();
     /// Takes the element's colour into the entry's flags and the tinted count.
-    void takeColor(tEntry& e);
+    void takeColor(tEntry& e)
+    {
+        tColor c = {255, 255, 255, 255};
+        if (mTexCoords && e.element->drawsColor())
+            c = e.element->getBatchedColor();
+        const bool tinted = (c.r & c.g & c.b & c.a) != 255;
+        if (tinted != e.tinted) {
+            if (!tinted)
+                --mTintedCount;
+            else if (mTintedCount++ == 0)
+                mColorsValid = false;
+            e.tinted = tinted;
+        }
+        e.cleared = c.a == 0;
+        if (mTintedCount > 0) {
+            e.colorDirty = true;
+            mVerticesDirty = true;
+            mScanAll = true;
+        }
+    }
     static tColor colorOf(const tEntry& e);
     /// Streams the entry and takes its new depth.
     bool restream(tVertexStream& stream, tEntry& e);

@@ -438,44 +438,6 @@ tColor CChunkDrawList<Entry, Chunk>::colorOf(const tEntry& e)
 }
 
 template <class Entry, class Chunk>
-void CChunkDrawList<Entry, Chunk>::takeColor(tEntry& e)
-{
-    bool tinted = false;
-    bool cleared = false;
-    if (mTexCoords && e.element->drawsColor()) {
-        const tColor c = e.element->getBatchedColor();
-        tinted = (c.r & c.g & c.b & c.a) != 255;
-        cleared = c.a == 0;
-    }
-    if (tinted != e.tinted) {
-        if (!tinted)
-            --mTintedCount;
-        else if (mTintedCount++ == 0)
-            mColorsValid = false;
-    }
-    e.tinted = tinted;
-    e.cleared = cleared;
-    if (mTintedCount > 0) {
-        e.colorDirty = true;
-        mVerticesDirty = true;
-        mScanAll = true;
-    }
-}
-
-template <class Entry, class Chunk>
-CDrawList::tRecolor CChunkDrawList<Entry, Chunk>::recolorHeld(CGraphicElement& element,
-                                                               const boost::shared_ptr<CDrawChunk>& chunk)
-{
-    tEntry* const entry = find(&element, chunk.get());
-    if (!entry)
-        return NOT_HELD;
-    if (entry->chunk->isTranslucentFor(element) != mTranslucent)
-        return MISPLACED;
-    takeColor(*entry);
-    return RECOLORED;
-}
-
-template <class Entry, class Chunk>
 void CChunkDrawList<Entry, Chunk>::recolorAll(tPairs& misplaced)
 {
     for (size_t i = 0; i < mEntries.size(); ++i) {

@@ -74,11 +74,6 @@ boost::shared_ptr<CDrawList> CTexturedChunk::createDrawList()
     return boost::shared_ptr<CDrawList>(new CTexturedDrawList());
 }
 
-bool CTexturedChunk::isTranslucentFor(const CGraphicElement& element) const
-{
-    return mTranslucent || (element.drawsColor() && element.getAlpha() < 255);
-}
-
 bool CTexturedChunk::canMerge(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> other) const
 {
     boost::shared_ptr<CTexturedChunk> textured = boost::dynamic_pointer_cast<CTexturedChunk>(other);

@@ -2,6 +2,7 @@
 #define ZEPHRIN2D_CTEXTUREDCHUNK_H
 
 #include "CDrawChunk.h"
+#include "CGraphicElement.h"
 
 #include <GLES/gl.h>
 #include <stdint.h>
@@ -31,7 +32,10 @@ public:
 
     boost::shared_ptr<CDrawList> createDrawList() override;
     /// Also when the element draws its colour with an alpha below 255.
-    bool isTranslucentFor(const CGraphicElement& element) const override;
+    bool isTranslucentFor(const CGraphicElement& element) const final
+    {
+        return mTranslucent || (element.drawsColor() && element.getAlpha() < 255);
+    }
     /// Same texture object; translucent chunks also need the same resulting depth.
     bool canMerge(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> other) const override;
     boost::shared_ptr<CDrawChunk> createMergedChunk(boost::shared_ptr<CGraphicElement> element,
