@@ -107,13 +107,14 @@ TEST_F(DrawManagerTest, ElementColoursTintFadeAndHideOnlyWhenOn)
 {
     // A quad over a blue one. on: colours off (0), on for all (1), for the element (2).
     const tColor WHITE{255, 255, 255, 255}, glass{255, 255, 255, 128};
-    struct { tColor texture, color; int on; tColor expected; } cases[] = {
-        {WHITE, RED, 1, RED},
-        {WHITE, glass, 2, {128, 128, 255, 255}},
-        {WHITE, {0, 255, 0, 0}, 1, BLUE},
-        {WHITE, {255, 0, 0, 128}, 0, WHITE},
-        {glass, GREEN, 2, {0, 128, 128, 255}},
-        {glass, {0, 255, 0, 128}, 1, {0, 64, 191, 255}},
+    // halved: with the alpha halved afterwards (a fade).
+    struct { tColor texture, color; int on; tColor expected, halved; } cases[] = {
+        {WHITE, RED, 1, RED, {}},
+        {WHITE, glass, 2, {128, 128, 255, 255}, {64, 64, 255, 255}},
+        {WHITE, {0, 255, 0, 0}, 1, BLUE, {}},
+        {WHITE, {255, 0, 0, 128}, 0, WHITE, {}},
+        {glass, GREEN, 2, {0, 128, 128, 255}, {}},
+        {glass, {0, 255, 0, 128}, 1, {0, 64, 191, 255}, {0, 32, 223, 255}},
     };
     for (const auto& c : cases) {
         boost::shared_ptr<Element> back = quadElement(solidTexture(BLUE), 0, 0, Z(0));
@@ -126,6 +127,11 @@ TEST_F(DrawManagerTest, ElementColoursTintFadeAndHideOnlyWhenOn)
         front->setColorEnabled(c.on == 2);
         frame();
         expectNear(pixel(4, 4), c.expected, 3, "tinted");
+        if (c.halved.a) {
+            front->alphaTo(c.color.a / 2);
+            frame();
+            expectNear(pixel(4, 4), c.halved, 3, "faded further");
+        }
         // Back to opaque white: drawn as the texture is, at the next frame.
         front->setColor(WHITE);
         frame();

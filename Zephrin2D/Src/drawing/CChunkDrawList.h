@@ -141,6 +141,22 @@ public:
     {
         return element ? recolorHeld(*element, chunk) : NOT_HELD;
     }
+    tRecolor recolorTinted(CGraphicElement& element, const boost::shared_ptr<CDrawChunk>& chunk) override
+    {
+        // An entry that draws tinted keeps doing so: only its colour goes up again.
+        CDrawChunk* const c = chunk.get();
+        const tSlot hint = c ? c->getListSlot() : tSlot(0);
+        if (c && mPool.holds(hint)) {
+            tEntry& e = mPool[hint];
+            if (e.element.get() == &element && e.chunk.get() == c && !e.parked && e.tinted) {
+                e.colorDirty = true;
+                mVerticesDirty = true;
+                mScanAll = true;
+                return RECOLORED;
+            }
+        }
+        return recolorHeld(element, chunk);
+    }
     tRecolor recolorHeld(CGraphicElement& element, const boost::shared_ptr<CDrawChunk>& chunk) override
     {
         tEntry* const entry = find(&element, chunk.get());

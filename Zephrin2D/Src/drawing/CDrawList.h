@@ -83,6 +83,13 @@ public:
     {
         return remove(element, chunk);
     }
+    /// recolorHeld for a colour change that leaves the element tinted and
+    /// translucent, its alpha between 1 and 254 before and after: where the
+    /// pair draws and whether it draws at all stay, only the colour is new.
+    virtual tRecolor recolorTinted(CGraphicElement& element, const boost::shared_ptr<CDrawChunk>& chunk)
+    {
+        return recolorHeld(element, chunk);
+    }
 
 protected:
     /// The one texture a list holds chunks of, once it knows it (0 until then, or for any).

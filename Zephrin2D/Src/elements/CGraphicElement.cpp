@@ -80,25 +80,28 @@ void CGraphicElement::scaleBy(tVect2 factor)
 
 void CGraphicElement::alphaTo(unsigned char alpha)
 {
+    const unsigned char before = mColor.a;
     mColor.a = alpha;
     if (drawsColor())
-        colorChanged();
+        colorChanged(before);
 }
 
 void CGraphicElement::alphaBy(tFixed factor)
 {
+    const unsigned char before = mColor.a;
     mColor.a = static_cast<unsigned char>((static_cast<int64_t>(factor.raw()) * mColor.a) >> 16);
     if (drawsColor())
-        colorChanged();
+        colorChanged(before);
 }
 
 void CGraphicElement::moveRegTo(tVect2 reg) { mReg = reg; markDirtyVertices(); }
 void CGraphicElement::moveRegBy(tVect2 offset) { mReg = mReg + offset; markDirtyVertices(); }
 void CGraphicElement::setColor(tColor color)
 {
+    const unsigned char before = mColor.a;
     mColor = color;
     if (drawsColor())
-        colorChanged();
+        colorChanged(before);
 }
 
 void CGraphicElement::setColorEnabled(bool enabled)
@@ -107,6 +110,24 @@ void CGraphicElement::setColorEnabled(bool enabled)
     mColorEnabled = enabled;
     if (drawsColor() != before)
         colorChanged();
+}
+
+void CGraphicElement::colorChanged(unsigned char alphaBefore)
+{
+    // An alpha between 1 and 254 before and after keeps the element tinted
+    // and translucent, and drawn: its lists only take the new colour (a fade).
+    if (!mDrawManaged || static_cast<unsigned>(alphaBefore - 1) > 253u || static_cast<unsigned>(mColor.a - 1) > 253u) {
+        colorChanged();
+        return;
+    }
+    tChunkList& chunks = getChunks();
+    for (size_t i = 0; i < chunks.size(); ++i) {
+        if (!chunks[i])
+            continue;
+        const boost::shared_ptr<CDrawList> list = chunks[i]->getDrawList().lock();
+        if (!list || list->recolorTinted(*this, chunks[i]) != CDrawList::RECOLORED)
+            CDrawManager::Instance()->recolor(shared_from_this(), chunks[i]);
+    }
 }
 
 void CGraphicElement::colorChanged()

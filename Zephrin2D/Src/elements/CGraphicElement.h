@@ -123,6 +123,8 @@ protected:
     void markLinearDirty();
     /// The colour changed: the lists holding the chunks take it at the next frame.
     void colorChanged();
+    /// The same after a change of the colour from one of alpha alphaBefore.
+    void colorChanged(unsigned char alphaBefore);
     /// The cached matrix, or a fresh one when the transform changed since.
     tMatrix23 currentMatrix() const;
 
