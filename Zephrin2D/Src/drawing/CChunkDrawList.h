@@ -155,7 +155,7 @@ public:
                 return RECOLORED;
             }
         }
-        return recolorHeld(element, chunk);
+        return recolorLookedUp(element, chunk);
     }
     tRecolor recolorHeld(CGraphicElement& element, const boost::shared_ptr<CDrawChunk>& chunk) override
     {
@@ -251,6 +251,12 @@ protected:
         return slot == tIndex::NOT_FOUND || mPool[slot].parked ? 0 : &mPool[slot];
     }
     __attribute__((noinline)) void markDirty(const CGraphicElement* element, CDrawChunk* chunk, bool texCoords);
+    /// recolorHeld, out of line: the paths that try the hint first then save no registers.
+    __attribute__((noinline)) tRecolor recolorLookedUp(CGraphicElement& element,
+                                                       const boost::shared_ptr<CDrawChunk>& chunk)
+    {
+        return CChunkDrawList::recolorHeld(element, chunk);
+    }
     void flagDirty(tEntry& entry, bool texCoords)
     {
         const bool wasClean = !entry.dirty && !entry.colorDirty;
