@@ -182,10 +182,16 @@ void CActor2D::update(int elapsed)
 
 void CActor2D::executeOperations(bool exit)
 {
+    // Most cels have none: those cost no more than this look.
+    const unsigned int cel = mCurrentCelOffset;
+    if (cel < mCels.size() && !(exit ? mCels[cel].exitOperations : mCels[cel].enterOperations).empty())
+        runOperations(exit);
+}
+
+void CActor2D::runOperations(bool exit)
+{
     // Indexed, not iterated: a callback may append cels and move the lists.
     const unsigned int cel = mCurrentCelOffset;
-    if (cel >= mCels.size())
-        return;
     const size_t count = (exit ? mCels[cel].exitOperations : mCels[cel].enterOperations).size();
     for (size_t i = 0; i < count && cel < mCels.size(); ++i) {
         const tOperationList& ops = exit ? mCels[cel].exitOperations : mCels[cel].enterOperations;
@@ -384,7 +390,7 @@ void CActor2D::addCurrentFrameToDrawManager(const boost::shared_ptr<CGraphicElem
     }
     if (!mDrawManaged || !self)
         return;
-    CDrawManager* const manager = CDrawManager::Instance();
+    CDrawManager* const manager = CDrawManager::instanceInline();
     for (size_t i = 0; i < chunks.size(); ++i) {
         if (chunks[i])
             manager->addPair(self, chunks[i]);
@@ -398,7 +404,7 @@ void CActor2D::removeCurrentFrameFromDrawManager(const boost::shared_ptr<CGraphi
     if (mCels.empty() || !mDrawManaged || !self)
         return;
     const tChunkList& chunks = mCels[mCurrentCelOffset].chunks;
-    CDrawManager* const manager = CDrawManager::Instance();
+    CDrawManager* const manager = CDrawManager::instanceInline();
     for (size_t i = 0; i < chunks.size(); ++i) {
         if (chunks[i])
             manager->removePair(self, chunks[i]);

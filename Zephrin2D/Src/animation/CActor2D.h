@@ -151,6 +151,8 @@ protected:
     void removeCurrentFrameFromDrawManager();
 
 private:
+    /// executeOperations for a cel that has some.
+    __attribute__((noinline)) void runOperations(bool exit);
     bool isCurrentAnimationValid() const { return mCurrentAnimationIterator != mAnimationMap.end(); }
     tAnimationMap::iterator findAnimation(Glib::ustring const& label);
     /// The animation if it exists and holds a cel, else end() after a report.

@@ -195,7 +195,7 @@ protected:
     CChunkDrawList(const tMessages& messages, bool texCoords)
         : mTranslucent(false), mHasTexture(false), mTextureId(0), mVertexBuffer(0), mTexCoordBuffer(0),
           mBufferedVertexCount(0), mVertexCount(0), mVerticesDirty(false), mIndexCount(0), mHiddenIndexCount(0),
-          mIndicesDirty(false), mColorBuffer(0), mTintedCount(0), mColorsValid(false), mAlphaCursor(0), mOrderDirty(false), mSortedPrefix(0), mDeadRefs(0), mSortedFrontToBack(false), mRewriteFrom(NONE), mMovedCount(0), mMoveCount(0), mLastMovedOffset(0), mScanAll(true),
+          mIndicesDirty(false), mColorBuffer(0), mTintedCount(0), mColorsValid(false), mAlphaCursor(0), mOrderDirty(false), mSortedPrefix(0), mDeadRefs(0), mSortedFrontToBack(false), mDepthsStale(false), mRewriteFrom(NONE), mMovedCount(0), mMoveCount(0), mLastMovedOffset(0), mScanAll(true),
           mNextOrder(0), mVertexEnd(0), mLiveCount(0), mIndex(mPool), mMessages(messages), mTexCoords(texCoords)
     {
     }
@@ -318,6 +318,8 @@ protected:
     size_t mSortedPrefix;
     size_t mDeadRefs;
     bool mSortedFrontToBack;
+    /// A visible entry's depth changed since its reference was made: the next sort takes every depth anew.
+    bool mDepthsStale;
 
 private:
     typedef tEntryPool<tEntry> tPool;
@@ -350,7 +352,8 @@ private:
         if (v.size() == v.capacity())
             v.reserve(v.size() * sizeof(v[0]) < 1024 ? 2 * v.size() + 2 : v.size() + v.size() / 8);
     }
-    static tEntryRef refTo(const boost::shared_ptr<tEntry>& entry);
+    /// A reference to the slot's entry, made from the pool's block without a shared one in between.
+    tEntryRef refTo(tSlot slot) const;
     /// Takes the entry's reference out of refs.
     tEntryRef takeRef(std::vector<tEntryRef>& refs, const tEntry& entry);
     /// Whether a draws before b in the sorted entries' current direction.
@@ -361,7 +364,16 @@ private:
         return a.order < b.order;
     }
     /// Adds the reference to the sorted entries (they are sorted at the next draw).
-    void insertSorted(const tEntryRef& ref);
+    void insertSorted(tEntryRef ref);
+    /// Sorts the references appended since the last sort and merges them
+    /// into the part in draw order (which the caller checked is in the
+    /// direction of frontToBack and at least as long).
+    template <bool frontToBack> void mergeAppended(size_t prefix);
+    /// Sorts up to SMALL_SORT references by 64-bit keys on the stack, then
+    /// moves each reference once into its place (a list whose entries all
+    /// changed, as when every actor changes cel, is sorted whole each frame).
+    void sortSmall(bool frontToBack);
+    static constexpr size_t SMALL_SORT = 512;
     /// Makes the entry count as held: counts, references, colour, the chunk's list.
     void join(tSlot slot, Chunk& chunk);
     /// Takes a parked entry up again for its returning pair.
@@ -404,7 +416,7 @@ private:
     void takeColor(tEntry& e)
     {
         tColor c = {255, 255, 255, 255};
-        if (mTexCoords && e.element->drawsColor())
+        if (mTexCoords && !e.element->hasOpaqueWhite() && e.element->drawsColor())
             c = e.element->getBatchedColor();
         const bool tinted = (c.r & c.g & c.b & c.a) != 255;
         if (tinted != e.tinted) {
@@ -442,6 +454,10 @@ private:
     bool mScanAll;
     uint32_t mNextOrder;
     std::vector<tParked> mParked;
+    /// The appended references while they are merged; as long as the most appended between two sorts.
+    std::vector<tEntryRef> mSortScratch;
+    /// The list's own weak reference, which held chunks name (empty until a chunk first joins).
+    boost::weak_ptr<CDrawList> mSelf;
     /// Vertices the entries, parked ones included, take in the buffers.
     uint16_t mVertexEnd;
     /// Entries that are not parked.

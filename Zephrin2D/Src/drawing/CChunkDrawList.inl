@@ -11,12 +11,13 @@ int32_t CChunkDrawList<Entry, Chunk>::depthOf(const tEntry& e)
 
 template <class Entry, class Chunk>
 typename CChunkDrawList<Entry, Chunk>::tEntryRef
-CChunkDrawList<Entry, Chunk>::refTo(const boost::shared_ptr<tEntry>& entry)
+CChunkDrawList<Entry, Chunk>::refTo(tSlot slot) const
 {
+    const tEntry& e = mPool[slot];
     tEntryRef ref;
-    ref.entry = entry;
-    ref.depth = entry->depth;
-    ref.order = entry->order;
+    ref.entry = mPool.weak(slot);
+    ref.depth = e.depth;
+    ref.order = e.order;
     return ref;
 }
 
@@ -85,11 +86,11 @@ void CChunkDrawList<Entry, Chunk>::purgeDeadRefs()
 }
 
 template <class Entry, class Chunk>
-void CChunkDrawList<Entry, Chunk>::insertSorted(const tEntryRef& ref)
+void CChunkDrawList<Entry, Chunk>::insertSorted(tEntryRef ref)
 {
     // Sorted at the next draw: moving every later reference now would cost more.
     reserveOneMore(mSortedEntries);
-    mSortedEntries.push_back(ref);
+    mSortedEntries.push_back(std::move(ref));
     mOrderDirty = true;
 }
 
@@ -133,7 +134,10 @@ bool CChunkDrawList<Entry, Chunk>::restream(tVertexStream& stream, tEntry& e)
     const int32_t depth = depthOf(e);
     if (depth != e.depth) {
         e.depth = depth;
-        mOrderDirty = mOrderDirty || e.visible;
+        if (e.visible) {
+            mOrderDirty = true;
+            mDepthsStale = true;
+        }
     }
     return countMatches;
 }
@@ -220,15 +224,19 @@ void CChunkDrawList<Entry, Chunk>::join(tSlot slot, Chunk& chunk)
     mVertexCount = static_cast<uint16_t>(mVertexCount + entry.vertexCount);
     ++mLiveCount;
     if (entry.visible) {
-        insertSorted(refTo(mPool.shared(slot)));
+        insertSorted(refTo(slot));
         mIndexCount = static_cast<uint16_t>(mIndexCount + entry.indexCount);
     } else {
         reserveOneMore(mHiddenEntries);
-        mHiddenEntries.push_back(refTo(mPool.shared(slot)));
+        mHiddenEntries.push_back(refTo(slot));
         mHiddenIndexCount = static_cast<uint16_t>(mHiddenIndexCount + entry.indexCount);
     }
     chunk.setHoldCount(chunk.getHoldCount() + 1);
-    chunk.setDrawList(weak_from_this());
+    if (mSelf._empty())
+        mSelf = weak_from_this();
+    // Only a chunk that names no list or another one takes a new reference.
+    if (!chunk.getDrawList().owner_equals(mSelf))
+        chunk.setDrawList(mSelf);
     chunk.setListSlot(static_cast<uint16_t>(slot));
     mIndicesDirty = true;
 }
@@ -323,7 +331,8 @@ void CChunkDrawList<Entry, Chunk>::park(tSlot slot, CDrawChunk& chunk)
     e.chunk = boost::shared_ptr<Chunk>(boost::shared_ptr<void>(), e.chunk.get());
     e.parked = true;
     e.visible = false;
-    if (releaseHold(chunk) && chunk.getDrawList().lock().get() == this)
+    // The list's own reference names it without locking the chunk's.
+    if (releaseHold(chunk) && !mSelf._empty() && chunk.getDrawList().owner_equals(mSelf))
         chunk.setDrawList(boost::weak_ptr<CDrawList>());
 }
 
@@ -396,7 +405,11 @@ bool CChunkDrawList<Entry, Chunk>::setVisible(const boost::shared_ptr<CGraphicEl
     entry->visible = visible;
     if (visible) {
         reserveOneMore(mSortedEntries);
-        mSortedEntries.push_back(takeRef(mHiddenEntries, *entry));
+        tEntryRef ref = takeRef(mHiddenEntries, *entry);
+        // A hidden reference's depth is that of when it was made.
+        ref.depth = entry->depth;
+        ref.order = entry->order;
+        mSortedEntries.push_back(std::move(ref));
         mHiddenIndexCount = static_cast<uint16_t>(mHiddenIndexCount - entry->indexCount);
         mIndexCount = static_cast<uint16_t>(mIndexCount + entry->indexCount);
         mOrderDirty = true;
@@ -485,6 +498,7 @@ void CChunkDrawList<Entry, Chunk>::clear()
     mSortedEntries.clear();
     mSortedPrefix = 0;
     mDeadRefs = 0;
+    mDepthsStale = false;
     mHiddenEntries.clear();
     mAlphaCursor = 0;
     mVertexCount = 0;
@@ -629,25 +643,106 @@ void CChunkDrawList<Entry, Chunk>::uploadColors()
 template <class Entry, class Chunk>
 void CChunkDrawList<Entry, Chunk>::sortEntries(bool frontToBack)
 {
+    // Dead references lie only in the part in draw order: what is left of it stays in order.
+    size_t prefix = mSortedPrefix - mDeadRefs;
     purgeDeadRefs();
-    for (size_t i = 0; i < mSortedEntries.size(); ++i) {
-        boost::shared_ptr<tEntry> e = mSortedEntries[i].entry.lock();
-        if (e) {
-            mSortedEntries[i].depth = e->depth;
-            mSortedEntries[i].order = e->order;
+    if (mDepthsStale) {
+        for (size_t i = 0; i < mSortedEntries.size(); ++i) {
+            boost::shared_ptr<tEntry> e = mSortedEntries[i].entry.lock();
+            if (e) {
+                mSortedEntries[i].depth = e->depth;
+                mSortedEntries[i].order = e->order;
+            }
         }
+        mDepthsStale = false;
+        prefix = 0;
     }
-    if (frontToBack)
-        std::sort(mSortedEntries.begin(), mSortedEntries.end(), [](const tEntryRef& a, const tEntryRef& b) {
-            return a.depth != b.depth ? a.depth > b.depth : a.order < b.order;
-        });
-    else
-        std::sort(mSortedEntries.begin(), mSortedEntries.end(), [](const tEntryRef& a, const tEntryRef& b) {
-            return a.depth != b.depth ? a.depth < b.depth : a.order < b.order;
-        });
+    if (frontToBack != mSortedFrontToBack)
+        prefix = 0;
+    // Few appended references are sorted apart and merged in; many, or a new order, sort all.
+    const bool merge = prefix > 0 && mSortedEntries.size() - prefix <= prefix;
+    if (!merge && mSortedEntries.size() <= SMALL_SORT)
+        sortSmall(frontToBack);
+    else if (frontToBack) {
+        if (merge)
+            mergeAppended<true>(prefix);
+        else
+            std::sort(mSortedEntries.begin(), mSortedEntries.end(), [](const tEntryRef& a, const tEntryRef& b) {
+                return a.depth != b.depth ? a.depth > b.depth : a.order < b.order;
+            });
+    } else {
+        if (merge)
+            mergeAppended<false>(prefix);
+        else
+            std::sort(mSortedEntries.begin(), mSortedEntries.end(), [](const tEntryRef& a, const tEntryRef& b) {
+                return a.depth != b.depth ? a.depth < b.depth : a.order < b.order;
+            });
+    }
     mOrderDirty = false;
     mSortedFrontToBack = frontToBack;
     mSortedPrefix = mSortedEntries.size();
+}
+
+template <class Entry, class Chunk>
+void CChunkDrawList<Entry, Chunk>::sortSmall(bool frontToBack)
+{
+    struct tKey
+    {
+        uint64_t key;
+        uint32_t from;
+    };
+    tKey keys[SMALL_SORT];
+    const size_t count = mSortedEntries.size();
+    // Depth (flipped to unsigned, inverted back to front) above the order: one comparison each.
+    const uint32_t flip = frontToBack ? 0x7FFFFFFFu : 0x80000000u;
+    for (size_t i = 0; i < count; ++i) {
+        const tEntryRef& r = mSortedEntries[i];
+        keys[i].key = static_cast<uint64_t>(static_cast<uint32_t>(r.depth) ^ flip) << 32 | r.order;
+        keys[i].from = static_cast<uint32_t>(i);
+    }
+    std::sort(keys, keys + count, [](const tKey& a, const tKey& b) { return a.key < b.key; });
+    // Place k takes the reference at keys[k].from: each cycle of the permutation is followed once.
+    for (size_t k = 0; k < count; ++k) {
+        if (keys[k].from == k)
+            continue;
+        tEntryRef held = std::move(mSortedEntries[k]);
+        size_t j = k;
+        while (keys[j].from != k) {
+            const size_t from = keys[j].from;
+            mSortedEntries[j] = std::move(mSortedEntries[from]);
+            keys[j].from = static_cast<uint32_t>(j);
+            j = from;
+        }
+        mSortedEntries[j] = std::move(held);
+        keys[j].from = static_cast<uint32_t>(j);
+    }
+}
+
+template <class Entry, class Chunk>
+template <bool frontToBack>
+void CChunkDrawList<Entry, Chunk>::mergeAppended(size_t prefix)
+{
+    const auto before = [](const tEntryRef& a, const tEntryRef& b) {
+        if (a.depth != b.depth)
+            return frontToBack ? a.depth > b.depth : a.depth < b.depth;
+        return a.order < b.order;
+    };
+    const size_t count = mSortedEntries.size();
+    if (count == prefix)
+        return;
+    // The scratch grows to the most references appended between two sorts, then stays.
+    for (size_t i = prefix; i < count; ++i)
+        mSortScratch.push_back(std::move(mSortedEntries[i]));
+    std::sort(mSortScratch.begin(), mSortScratch.end(), before);
+    // From the back: each place is filled by the later of the two candidates (orders are unique).
+    size_t i = prefix, j = mSortScratch.size(), k = count;
+    while (j > 0) {
+        if (i > 0 && before(mSortScratch[j - 1], mSortedEntries[i - 1]))
+            mSortedEntries[--k] = std::move(mSortedEntries[--i]);
+        else
+            mSortedEntries[--k] = std::move(mSortScratch[--j]);
+    }
+    mSortScratch.clear();
 }
 
 template <class Entry, class Chunk>

@@ -38,7 +38,7 @@ public:
     std::vector<tVect3>& getVertices() { return mVertices; }
     const std::vector<tVect3>& getVertices() const { return mVertices; }
     const boost::weak_ptr<CDrawList>& getDrawList() const { return mDrawList; }
-    void setDrawList(boost::weak_ptr<CDrawList> list) { mDrawList = list; }
+    void setDrawList(boost::weak_ptr<CDrawList> list) { mDrawList.swap(list); }
     bool isTranslucent() const { return mTranslucent; }
     /// Whether the chunk draws translucent when this element places it (its
     /// own translucency, or the element's alpha where colours apply).

@@ -31,6 +31,8 @@ class CDrawManager
 {
 public:
     static CDrawManager* Instance();
+    /// The same, inline, for the library's own per-frame callers.
+    static CDrawManager* instanceInline() { return mInstance ? mInstance : Instance(); }
     static void Destroy();
 
     void add(boost::shared_ptr<CGraphicElement> element);

@@ -34,7 +34,7 @@ public:
     /// Also when the element draws its colour with an alpha below 255.
     bool isTranslucentFor(const CGraphicElement& element) const final
     {
-        return mTranslucent || (element.drawsColor() && element.getAlpha() < 255);
+        return mTranslucent || (!element.hasOpaqueWhite() && element.drawsColor() && element.getAlpha() < 255);
     }
     /// Same texture object; translucent chunks also need the same resulting depth.
     bool canMerge(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> other) const override;

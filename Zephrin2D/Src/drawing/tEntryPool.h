@@ -3,6 +3,7 @@
 
 #include <boost/make_shared.hpp>
 #include <boost/shared_ptr.hpp>
+#include <boost/weak_ptr.hpp>
 #include <stddef.h>
 #include <stdint.h>
 #include <vector>
@@ -57,6 +58,14 @@ public:
         size_t block, offset;
         locate(slot, block, offset);
         return boost::shared_ptr<Entry>(mBlocks[block], &mBlocks[block][offset]);
+    }
+
+    /// A weak reference to the slot's entry: one count taken, none given back.
+    boost::weak_ptr<Entry> weak(tSlot slot) const
+    {
+        size_t block, offset;
+        locate(slot, block, offset);
+        return boost::weak_ptr<Entry>(mBlocks[block], &mBlocks[block][offset]);
     }
 
     void clear()

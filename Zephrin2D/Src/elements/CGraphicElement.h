@@ -7,6 +7,8 @@
 
 #include <boost/enable_shared_from_this.hpp>
 #include <boost/shared_ptr.hpp>
+#include <stdint.h>
+#include <string.h>
 #include <vector>
 
 class CDrawChunk;
@@ -97,6 +99,15 @@ public:
     /// colours: the element's colour, or white for an element whose texels
     /// already carry it.
     virtual tColor getBatchedColor() const { return mColor; }
+    /// The colour is opaque white. Batched drawing then draws the texels as
+    /// they are whatever the switches say (getBatchedColor of such an element
+    /// is opaque white too), so a cel change asks nothing more.
+    bool hasOpaqueWhite() const
+    {
+        uint32_t c;
+        memcpy(&c, &mColor, sizeof c);
+        return c == 0xFFFFFFFFu;
+    }
 
     /// The screen-space rectangle around what the element shows: its
     /// geometry (for an actor, the current cel's) transformed by its current
