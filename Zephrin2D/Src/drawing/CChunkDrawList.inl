@@ -601,16 +601,18 @@ void CChunkDrawList<Entry, Chunk>::uploadDirtyVertices(bool colors, bool scanAll
         const auto upload = [&](tEntry& e) {
             if ((!e.dirty && !e.colorDirty) || e.parked)
                 return;
+            if (!e.dirty) {
+                // A new colour alone.
+                if (colors)
+                    stream.putColorsAt(e.vertexOffset, colorOf(e), e.vertexCount);
+                e.colorDirty = false;
+                return;
+            }
             if (colors)
                 stream.setColor(colorOf(e));
-            if (e.dirty) {
-                stream.seekParts(e.vertexOffset, tVertexStream::POSITIONS | colorPart |
-                                                     (mTexCoords && e.texCoordsDirty ? tVertexStream::COORDS : 0));
-                countsMatch = restream(stream, e) && countsMatch;
-            } else if (colors) {
-                stream.seekParts(e.vertexOffset, tVertexStream::COLORS);
-                stream.putColors(e.vertexCount);
-            }
+            stream.seekParts(e.vertexOffset, tVertexStream::POSITIONS | colorPart |
+                                                 (mTexCoords && e.texCoordsDirty ? tVertexStream::COORDS : 0));
+            countsMatch = restream(stream, e) && countsMatch;
             e.colorDirty = false;
         };
         // Streaming changes no entry vector: its bounds stay in registers across the calls.

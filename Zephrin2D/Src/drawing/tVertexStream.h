@@ -77,6 +77,20 @@ public:
             std::fill(mColors + mCount, mColors + mCount + n, mColor);
         mCount += n;
     }
+    /// count vertices of one colour from vertex offset start, for a stream of colours only.
+    void putColorsAt(size_t start, tColor color, size_t count)
+    {
+        const size_t at = mStart + mCount;
+        if (count == 4 && at == start && mParts == COLORS && mCount + count < BLOCK) {
+            tColor* const out = mColors + mCount;
+            out[0] = out[1] = out[2] = out[3] = color;
+            mCount += count;
+            return;
+        }
+        seekParts(start, COLORS);
+        mColor = color;
+        putColors(count);
+    }
     /// count vertices of the current colour, for a stream of colours only.
     void putColors(size_t count)
     {
