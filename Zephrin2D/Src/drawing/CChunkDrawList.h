@@ -107,7 +107,8 @@ public:
     {
         markDirty(element.get(), chunk.get(), false);
     }
-    void markMoved(CGraphicElement& element, const boost::shared_ptr<CDrawChunk>& chunk) override
+    /// Final: it only flags the entry (see CDrawList::movesInPlace).
+    void markMoved(CGraphicElement& element, const boost::shared_ptr<CDrawChunk>& chunk) final
     {
         // The chunk's hint, inline and apart from the lookup, so that this path saves no registers.
         CDrawChunk* const c = chunk.get();
@@ -198,6 +199,7 @@ protected:
           mIndicesDirty(false), mColorBuffer(0), mTintedCount(0), mColorsValid(false), mAlphaCursor(0), mOrderDirty(false), mSortedPrefix(0), mDeadRefs(0), mSortedFrontToBack(false), mDepthsStale(false), mRewriteFrom(NONE), mMovedCount(0), mMoveCount(0), mLastMovedOffset(0), mScanAll(true),
           mNextOrder(0), mVertexEnd(0), mLiveCount(0), mIndex(mPool), mMessages(messages), mTexCoords(texCoords)
     {
+        mMovesInPlace = true;
     }
 
     /// Writes the entry's vertices, transformed, into the stream and clears

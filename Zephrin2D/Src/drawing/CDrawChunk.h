@@ -11,6 +11,18 @@
 class CDrawList;
 class CGraphicElement;
 
+namespace boost {
+/// Reads the pointer a weak reference keeps without taking a strong one
+/// (every weak_ptr is a friend of every other): what a moved element uses
+/// to reach its lists, which are used from one thread.
+struct tDrawListPeek;
+template <> class weak_ptr<tDrawListPeek>
+{
+public:
+    template <class T> static T* peek(const weak_ptr<T>& ref) { return ref.expired() ? 0 : ref.px; }
+};
+} // namespace boost
+
 /// A piece of an element's geometry in the element's local space, in the
 /// form the batched renderer consumes. The draw manager hands each
 /// (element, chunk) pair to a draw list chosen by the chunk.
@@ -39,6 +51,10 @@ public:
     const std::vector<tVect3>& getVertices() const { return mVertices; }
     const boost::weak_ptr<CDrawList>& getDrawList() const { return mDrawList; }
     void setDrawList(boost::weak_ptr<CDrawList> list) { mDrawList.swap(list); }
+    /// The list getDrawList() refers to while it lives, else null; no
+    /// reference is taken, so the list must not be released while the
+    /// pointer is used (CDrawList::movesInPlace says when that is sure).
+    CDrawList* peekDrawList() const { return boost::weak_ptr<boost::tDrawListPeek>::peek(mDrawList); }
     bool isTranslucent() const { return mTranslucent; }
     /// Whether the chunk draws translucent when this element places it (its
     /// own translucency, or the element's alpha where colours apply).

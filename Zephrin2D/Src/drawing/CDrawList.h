@@ -22,7 +22,7 @@ public:
     enum tRecolor { RECOLORED, NOT_HELD, MISPLACED };
     typedef std::vector<std::pair<boost::shared_ptr<CGraphicElement>, boost::shared_ptr<CDrawChunk> > > tPairs;
 
-    CDrawList() : mTextureKey(0) {}
+    CDrawList() : mTextureKey(0), mMovesInPlace(false) {}
     virtual ~CDrawList() {}
 
     /// Accepts the pair, or refuses it (false) so the manager tries another list.
@@ -52,6 +52,11 @@ public:
     /// every element in a list is); lists that find pairs by address
     /// override it and spare the reference counting of every move.
     virtual void markMoved(CGraphicElement& element, const boost::shared_ptr<CDrawChunk>& chunk);
+
+    /// Whether markMoved releases nothing (no list, element or chunk): the
+    /// element then calls it through CDrawChunk::peekDrawList, without
+    /// locking the chunk's reference to the list.
+    bool movesInPlace() const { return mMovesInPlace; }
 
     /// Whether the list takes translucent chunks (fixed by its first chunk).
     virtual bool isTranslucent() const = 0;
@@ -94,6 +99,8 @@ public:
 protected:
     /// The one texture a list holds chunks of, once it knows it (0 until then, or for any).
     uint32_t mTextureKey;
+    /// See movesInPlace(); set by lists whose markMoved only flags entries.
+    bool mMovesInPlace;
 };
 
 #endif

@@ -213,10 +213,26 @@ void CGraphicElement::markDirtyVertices()
     mMatrixDirty = true;
     if (!mDrawManaged)
         return;
-    for (size_t i = 0; i < mChunks.size(); ++i) {
-        const boost::shared_ptr<CDrawList> list = mChunks[i]->getDrawList().lock();
-        if (list)
-            list->markMoved(*this, mChunks[i]);
+    const boost::shared_ptr<CDrawChunk>* chunk = mChunks.data();
+    const boost::shared_ptr<CDrawChunk>* end = chunk + mChunks.size();
+    for (; chunk != end; ++chunk) {
+        CDrawList* const list = (*chunk)->peekDrawList();
+        if (!list)
+            continue;
+        // A list that only flags the entry is called without a reference taken
+        // for the call, and changes nothing here.
+        if (list->movesInPlace()) {
+            list->markMoved(*this, *chunk);
+            continue;
+        }
+        const size_t i = static_cast<size_t>(chunk - mChunks.data());
+        if (const boost::shared_ptr<CDrawList> held = (*chunk)->getDrawList().lock())
+            held->markMoved(*this, mChunks[i]);
+        // Another kind of list may have changed the chunks.
+        if (i >= mChunks.size())
+            break;
+        chunk = mChunks.data() + i;
+        end = mChunks.data() + mChunks.size();
     }
 }
 
