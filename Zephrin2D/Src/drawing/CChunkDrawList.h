@@ -275,10 +275,19 @@ protected:
     /// Notes a clean entry's move in the record of moved entries; kept out
     /// of line: the lookup before it then needs no registers saved.
     __attribute__((noinline)) void recordMove(tEntry& entry);
+    /// The entry of sorted reference r, held in held; null for a dead reference.
+    tEntry* liveEntry(size_t r, boost::shared_ptr<tEntry>& held) const
+    {
+        const tEntryRef& ref = mSortedEntries[r];
+        held = ref.entry.lock();
+        return held && !held->parked && held->chunk && held->order == ref.order ? held.get() : 0;
+    }
     /// Orders the visible entries by depth (ties by acceptance).
     void sortEntries(bool frontToBack);
-    /// Drops the references of entries taken out since the last sort.
-    void purgeDeadRefs();
+    /// Drops the references of entries taken out since the last sort (those
+    /// emptied, and those whose entry is parked or was taken up again under a
+    /// later order); gives how many of the part in draw order are left.
+    size_t purgeDeadRefs();
     /// The first depth a translucent pass draws, after rewinding it.
     int startAlphaPass()
     {
@@ -318,6 +327,7 @@ protected:
     /// (those of entries taken out since are left in place, dead, so that
     /// the others are still found by a binary search); later ones were appended.
     size_t mSortedPrefix;
+    /// Sorted references of entries taken out since the last sort, left in place.
     size_t mDeadRefs;
     bool mSortedFrontToBack;
     /// A visible entry's depth changed since its reference was made: the next sort takes every depth anew.

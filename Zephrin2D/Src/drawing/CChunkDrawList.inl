@@ -75,14 +75,30 @@ CChunkDrawList<Entry, Chunk>::takeRef(std::vector<tEntryRef>& refs, const tEntry
 }
 
 template <class Entry, class Chunk>
-void CChunkDrawList<Entry, Chunk>::purgeDeadRefs()
+size_t CChunkDrawList<Entry, Chunk>::purgeDeadRefs()
 {
-    if (mDeadRefs > 0)
-        mSortedEntries.erase(std::remove_if(mSortedEntries.begin(), mSortedEntries.end(),
-                                            [](const tEntryRef& r) { return r.entry.expired(); }),
-                             mSortedEntries.end());
+    size_t kept = mSortedPrefix;
+    if (mDeadRefs > 0) {
+        kept = 0;
+        size_t w = 0;
+        for (size_t i = 0; i < mSortedEntries.size(); ++i) {
+            tEntryRef& r = mSortedEntries[i];
+            {
+                // A dropped entry's slot has no chunk until it is taken again, under a later order.
+                boost::shared_ptr<tEntry> held;
+                if (!liveEntry(i, held))
+                    continue;
+            }
+            kept += i < mSortedPrefix;
+            if (w != i)
+                mSortedEntries[w] = std::move(r);
+            ++w;
+        }
+        mSortedEntries.erase(mSortedEntries.begin() + w, mSortedEntries.end());
+    }
     mDeadRefs = 0;
     mSortedPrefix = 0;
+    return kept;
 }
 
 template <class Entry, class Chunk>
@@ -301,7 +317,10 @@ bool CChunkDrawList<Entry, Chunk>::removeHeld(const boost::shared_ptr<CGraphicEl
     }
     if (e.visible) {
         mIndexCount = static_cast<uint16_t>(mIndexCount - e.indexCount);
-        takeRef(mSortedEntries, e);
+        // Its reference stays where it is until the next sort, which is due
+        // anyway: it is dead once its entry is parked or holds a later order.
+        ++mDeadRefs;
+        mOrderDirty = true;
     } else {
         mHiddenIndexCount = static_cast<uint16_t>(mHiddenIndexCount - e.indexCount);
         takeRef(mHiddenEntries, e);
@@ -645,9 +664,8 @@ void CChunkDrawList<Entry, Chunk>::uploadColors()
 template <class Entry, class Chunk>
 void CChunkDrawList<Entry, Chunk>::sortEntries(bool frontToBack)
 {
-    // Dead references lie only in the part in draw order: what is left of it stays in order.
-    size_t prefix = mSortedPrefix - mDeadRefs;
-    purgeDeadRefs();
+    // What is left of the part in draw order stays in order.
+    size_t prefix = purgeDeadRefs();
     if (mDepthsStale) {
         for (size_t i = 0; i < mSortedEntries.size(); ++i) {
             boost::shared_ptr<tEntry> e = mSortedEntries[i].entry.lock();

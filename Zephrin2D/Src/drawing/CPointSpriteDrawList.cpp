@@ -134,7 +134,8 @@ int CPointSpriteDrawList::drawZDepth(int z)
         {
             tPointRuns runs;
             for (; last < mSortedEntries.size() && mSortedEntries[last].depth == z; ++last) {
-                boost::shared_ptr<tEntry> e = mSortedEntries[last].entry.lock();
+                boost::shared_ptr<tEntry> held;
+                tEntry* const e = liveEntry(last, held);
                 if (e && e->vertexCount > 0)
                     runs.put(*e);
             }

@@ -129,8 +129,7 @@ void CTexturedDrawList::bufferIndices()
     // Kept alive by the list while it writes them.
     boost::shared_ptr<tEntry> held;
     uploadIndices(0, mSortedEntries.size(), mIndexCount, grow, [&](size_t r) {
-        held = mSortedEntries[r].entry.lock();
-        return held.get();
+        return liveEntry(r, held);
     });
     if (grow)
         mBufferedIndexCount = mIndexCount;
@@ -207,8 +206,7 @@ int CTexturedDrawList::drawZDepth(int z)
         } else {
             boost::shared_ptr<tEntry> held;
             count = uploadIndices(first, last, UNKNOWN_COUNT, true, [&](size_t r) {
-                held = mSortedEntries[r].entry.lock();
-                return held.get();
+                return liveEntry(r, held);
             }, size, &size);
         }
         if (count > 0)
