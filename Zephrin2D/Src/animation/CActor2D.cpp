@@ -336,8 +336,10 @@ void CActor2D::findCurrentAnimation()
             break;
     }
     mCurrentAnimationIterator = it;
-    BaseUtils::Assert(it != mAnimationMap.end(), SOURCE, __LINE__,
-                      "CActor2D::findCurrentAnimation SpriteCel offset %d not found in map", mCurrentCelOffset);
+    // Checked here: the report's arguments are not even passed on a cel change that finds its animation.
+    if (it == mAnimationMap.end())
+        BaseUtils::Assert(false, SOURCE, __LINE__, "CActor2D::findCurrentAnimation SpriteCel offset %d not found in map",
+                          mCurrentCelOffset);
 }
 
 CActor2D::tAnimationMap::iterator CActor2D::findAnimation(Glib::ustring const& label)

@@ -415,7 +415,9 @@ private:
     /// Writes a parked entry's vertices while its pair lives, else zeros.
     bool restreamParked(tVertexStream& stream, tEntry& e);
     /// The next acceptance order; renumbers the entries when the orders run out.
-    uint32_t nextOrder();
+    uint32_t nextOrder() { return mNextOrder < ORDER_LIMIT ? mNextOrder++ : renumber(); }
+    /// Renumbers the held entries from 0 in their order; gives the next order after them.
+    __attribute__((noinline)) uint32_t renumber();
     bool holdsTexture(const boost::shared_ptr<CDrawChunk>& chunk) const;
     bool setVisible(const boost::shared_ptr<CGraphicElement>& element, const boost::shared_ptr<CDrawChunk>& chunk,
                     bool visible);

@@ -111,9 +111,9 @@ void CChunkDrawList<Entry, Chunk>::insertSorted(tEntryRef ref)
 }
 
 template <class Entry, class Chunk>
-uint32_t CChunkDrawList<Entry, Chunk>::nextOrder()
+uint32_t CChunkDrawList<Entry, Chunk>::renumber()
 {
-    if (mNextOrder >= ORDER_LIMIT) {
+    {
         // The held entries keep their relative order: both reference lists
         // are put in acceptance order and numbered as one, merged.
         purgeDeadRefs();
