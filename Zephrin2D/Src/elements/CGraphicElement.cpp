@@ -208,13 +208,13 @@ void CGraphicElement::markLinearDirty()
     markDirtyVertices();
 }
 
-void CGraphicElement::markDirtyVertices()
+namespace {
+
+/// Hands the move to the list of each chunk (see markDirtyVertices).
+__attribute__((noinline)) void markEachMoved(CGraphicElement& element, CGraphicElement::tChunkList& chunks)
 {
-    mMatrixDirty = true;
-    if (!mDrawManaged)
-        return;
-    const boost::shared_ptr<CDrawChunk>* chunk = mChunks.data();
-    const boost::shared_ptr<CDrawChunk>* end = chunk + mChunks.size();
+    const boost::shared_ptr<CDrawChunk>* chunk = chunks.data();
+    const boost::shared_ptr<CDrawChunk>* end = chunk + chunks.size();
     for (; chunk != end; ++chunk) {
         CDrawList* const list = (*chunk)->peekDrawList();
         if (!list)
@@ -222,18 +222,37 @@ void CGraphicElement::markDirtyVertices()
         // A list that only flags the entry is called without a reference taken
         // for the call, and changes nothing here.
         if (list->movesInPlace()) {
-            list->markMoved(*this, *chunk);
+            list->markMoved(element, *chunk);
             continue;
         }
-        const size_t i = static_cast<size_t>(chunk - mChunks.data());
+        const size_t i = static_cast<size_t>(chunk - chunks.data());
         if (const boost::shared_ptr<CDrawList> held = (*chunk)->getDrawList().lock())
-            held->markMoved(*this, mChunks[i]);
+            held->markMoved(element, chunks[i]);
         // Another kind of list may have changed the chunks.
-        if (i >= mChunks.size())
+        if (i >= chunks.size())
             break;
-        chunk = mChunks.data() + i;
-        end = mChunks.data() + mChunks.size();
+        chunk = chunks.data() + i;
+        end = chunks.data() + chunks.size();
     }
+}
+
+} // namespace
+
+void CGraphicElement::markDirtyVertices()
+{
+    mMatrixDirty = true;
+    if (!mDrawManaged)
+        return;
+    // One chunk (a billboard) in a list of this library: a tail call, with no
+    // loop and no registers saved around it.
+    if (mChunks.size() == 1) {
+        CDrawList* const list = mChunks[0]->peekDrawList();
+        if (list && list->movesInPlace()) {
+            list->markMoved(*this, mChunks[0]);
+            return;
+        }
+    }
+    markEachMoved(*this, mChunks);
 }
 
 void CGraphicElement::setVisibility(bool visible)
