@@ -36,7 +36,10 @@ struct tChunkEntry
     /// Element z plus the chunk's first vertex z, as of the last buffering.
     int32_t depth;
     /// Acceptance order, unique among the held entries: equal depths draw in it.
-    uint32_t order : 25;
+    uint32_t order : 24;
+    /// The list kept the hash of what the vertices were written from when
+    /// the pair came back; cleared when they are written again.
+    bool hashKept : 1;
     /// The vertices must be re-transformed and re-uploaded.
     bool dirty : 1;
     /// The texture coordinates must be re-uploaded too.
@@ -338,8 +341,8 @@ private:
     typedef tEntryIndex<tPool> tIndex;
     typedef typename tPool::tSlot tSlot;
     static constexpr size_t NONE = static_cast<size_t>(-1);
-    /// Orders run below this (25 bits); reaching it renumbers the entries.
-    static constexpr uint32_t ORDER_LIMIT = 1u << 25;
+    /// Orders run below this (24 bits); reaching it renumbers the entries.
+    static constexpr uint32_t ORDER_LIMIT = 1u << 24;
 
     /// What a parked entry keeps of its pair (the entry's index offset is
     /// its place here): whether the pair still lives, and what placed the
@@ -468,6 +471,11 @@ private:
     bool mScanAll;
     uint32_t mNextOrder;
     std::vector<tParked> mParked;
+    /// Per slot, the hash an entry's vertices were written from, kept when
+    /// its pair came back (tChunkEntry::hashKept), so that leaving again
+    /// needs no hash. Only lists whose pairs come back have it; it grows with
+    /// their slots while they first return, then stays.
+    std::vector<uint64_t> mKeptHashes;
     /// The appended references while they are merged; as long as the most appended between two sorts.
     std::vector<tEntryRef> mSortScratch;
     /// The list's own weak reference, which held chunks name (empty until a chunk first joins).

@@ -147,6 +147,7 @@ template <class Entry, class Chunk>
 bool CChunkDrawList<Entry, Chunk>::restream(tVertexStream& stream, tEntry& e)
 {
     const bool countMatches = streamEntry(stream, e);
+    e.hashKept = false;
     const int32_t depth = depthOf(e);
     if (depth != e.depth) {
         e.depth = depth;
@@ -215,6 +216,7 @@ bool CChunkDrawList<Entry, Chunk>::addHeld(const boost::shared_ptr<CGraphicEleme
     entry.cleared = false;
     entry.colorDirty = false;
     entry.parked = false;
+    entry.hashKept = false;
     entryAdded(entry);
     mIndex.insert(slot);
     mVertexEnd = static_cast<uint16_t>(mVertexEnd + vertexCount);
@@ -279,6 +281,11 @@ bool CChunkDrawList<Entry, Chunk>::rejoin(tSlot slot, const boost::shared_ptr<CG
         valid = m.m00 == k.m00 && m.m01 == k.m01 && m.m02 == k.m02 && m.m10 == k.m10 && m.m11 == k.m11 &&
                 m.m12 == k.m12 && m.z == k.z;
     }
+    if (valid) {
+        // The vertices stay what they were written from: the hash serves again when the pair leaves.
+        mKeptHashes[slot] = kept.fingerprint;
+        e.hashKept = true;
+    }
     if (static_cast<size_t>(e.indexOffset) + 1 != mParked.size()) {
         kept = std::move(mParked.back());
         mPool[kept.slot].indexOffset = e.indexOffset;
@@ -342,8 +349,12 @@ void CChunkDrawList<Entry, Chunk>::park(tSlot slot, CDrawChunk& chunk)
     kept.chunk = e.chunk;
     if (!e.dirty) {
         kept.matrix = e.element->getMatrix();
-        kept.fingerprint = fingerprintOf(*e.chunk);
+        kept.fingerprint = e.hashKept ? mKeptHashes[slot] : fingerprintOf(*e.chunk);
     }
+    // Room for every slot handed out so far, so that its return finds it (grown while pairs first leave).
+    if (mKeptHashes.size() <= slot)
+        mKeptHashes.resize(mPool.used());
+    e.hashKept = false;
     kept.slot = slot;
     // The entry keeps the pair's addresses for the lookup, without owning it.
     e.element = boost::shared_ptr<CGraphicElement>(boost::shared_ptr<void>(), e.element.get());
@@ -514,6 +525,7 @@ void CChunkDrawList<Entry, Chunk>::clear()
     mVertexEnd = 0;
     mIndex.clear();
     mPool.clear();
+    std::vector<uint64_t>().swap(mKeptHashes);
     mSortedEntries.clear();
     mSortedPrefix = 0;
     mDeadRefs = 0;

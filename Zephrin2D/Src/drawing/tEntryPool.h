@@ -43,6 +43,9 @@ public:
 
     void release(tSlot slot) { mFree.push_back(slot); }
 
+    /// Slots handed out at least once.
+    tSlot used() const { return mUsed; }
+
     /// Whether slot was handed out (it may be free again).
     bool holds(tSlot slot) const { return slot < mUsed; }
 
