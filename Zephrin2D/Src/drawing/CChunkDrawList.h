@@ -145,7 +145,8 @@ public:
     {
         return element ? recolorHeld(*element, chunk) : NOT_HELD;
     }
-    tRecolor recolorTinted(CGraphicElement& element, const boost::shared_ptr<CDrawChunk>& chunk) override
+    /// Final for the same reason as markMoved.
+    tRecolor recolorTinted(CGraphicElement& element, const boost::shared_ptr<CDrawChunk>& chunk) final
     {
         // An entry that draws tinted keeps doing so: only its colour goes up again.
         CDrawChunk* const c = chunk.get();

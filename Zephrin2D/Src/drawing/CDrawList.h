@@ -53,9 +53,9 @@ public:
     /// override it and spare the reference counting of every move.
     virtual void markMoved(CGraphicElement& element, const boost::shared_ptr<CDrawChunk>& chunk);
 
-    /// Whether markMoved releases nothing (no list, element or chunk): the
-    /// element then calls it through CDrawChunk::peekDrawList, without
-    /// locking the chunk's reference to the list.
+    /// Whether markMoved and recolorTinted release nothing (no list, element
+    /// or chunk): the element then calls them through
+    /// CDrawChunk::peekDrawList, without locking the chunk's reference to the list.
     bool movesInPlace() const { return mMovesInPlace; }
 
     /// Whether the list takes translucent chunks (fixed by its first chunk).

@@ -175,9 +175,13 @@ int CTexturedDrawList::prepareAlphaDraw()
     if (mOrderDirty || mSortedFrontToBack || mAlphaOrder.size() != mSortedEntries.size()) {
         if (mOrderDirty || mSortedFrontToBack)
             sortEntries(false);
-        mAlphaOrder.resize(mSortedEntries.size());
-        for (size_t r = 0; r < mSortedEntries.size(); ++r)
-            mAlphaOrder[r] = mSortedEntries[r].entry.lock().get();
+        const size_t n = mSortedEntries.size();
+        mAlphaOrder.resize(n);
+        for (size_t r = n; r-- > 0;) {
+            mAlphaOrder[r].entry = mSortedEntries[r].entry.lock().get();
+            const bool last = r + 1 == n || mSortedEntries[r + 1].depth != mSortedEntries[r].depth;
+            mAlphaOrder[r].depthEnd = static_cast<uint32_t>(last ? r + 1 : mAlphaOrder[r + 1].depthEnd);
+        }
     }
     if (!mIndexBuffers[0])
         glGenBuffers(2, mIndexBuffers);
@@ -190,8 +194,11 @@ int CTexturedDrawList::prepareAlphaDraw()
 int CTexturedDrawList::drawZDepth(int z)
 {
     const size_t first = std::min(mAlphaCursor, mSortedEntries.size());
+    const bool prepared = alphaOrderValid();
     size_t last = first;
-    while (last < mSortedEntries.size() && mSortedEntries[last].depth == z)
+    if (prepared && first < mSortedEntries.size() && mSortedEntries[first].depth == z)
+        last = mAlphaOrder[first].depthEnd;
+    while (!prepared && last < mSortedEntries.size() && mSortedEntries[last].depth == z)
         ++last;
     if (last > first && mIndexBuffers[1]) {
         size_t& size = mIndexBufferSizes[mNextIndexBuffer];
@@ -200,9 +207,10 @@ int CTexturedDrawList::drawZDepth(int z)
         glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, buffer);
         // Without a pass prepared since the references last changed, the entries are looked up.
         size_t count;
-        if (!mOrderDirty && !mSortedFrontToBack && mAlphaOrder.size() == mSortedEntries.size()) {
-            tEntry* const* const order = mAlphaOrder.data();
-            count = uploadIndices(first, last, UNKNOWN_COUNT, true, [order](size_t r) { return order[r]; }, size, &size);
+        if (prepared) {
+            const tAlphaStep* const order = mAlphaOrder.data();
+            count = uploadIndices(first, last, UNKNOWN_COUNT, true, [order](size_t r) { return order[r].entry; }, size,
+                                  &size);
         } else {
             boost::shared_ptr<tEntry> held;
             count = uploadIndices(first, last, UNKNOWN_COUNT, true, [&](size_t r) {

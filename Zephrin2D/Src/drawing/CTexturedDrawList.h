@@ -58,10 +58,21 @@ private:
     uint16_t mBufferedIndexCount;
     /// Indices each translucent index buffer was last sized for.
     size_t mIndexBufferSizes[2];
+    /// A sorted reference's entry, and the end of the references at its depth.
+    struct tAlphaStep
+    {
+        tEntry* entry;
+        uint32_t depthEnd;
+    };
     /// The translucent pass's entries in the order of the sorted references,
     /// taken when they were last sorted: the sorted references only change
     /// through what makes the next pass sort again, and entries never move.
-    std::vector<tEntry*> mAlphaOrder;
+    std::vector<tAlphaStep> mAlphaOrder;
+    /// Whether mAlphaOrder stands for the sorted references.
+    bool alphaOrderValid() const
+    {
+        return !mOrderDirty && !mSortedFrontToBack && mAlphaOrder.size() == mSortedEntries.size();
+    }
 };
 
 #endif

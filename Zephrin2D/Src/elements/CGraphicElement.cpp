@@ -122,12 +122,24 @@ void CGraphicElement::colorChanged(unsigned char alphaBefore)
     }
     tChunkList& chunks = getChunks();
     for (size_t i = 0; i < chunks.size(); ++i) {
-        if (!chunks[i])
-            continue;
-        const boost::shared_ptr<CDrawList> list = chunks[i]->getDrawList().lock();
-        if (!list || list->recolorTinted(*this, chunks[i]) != CDrawList::RECOLORED)
-            CDrawManager::Instance()->recolor(shared_from_this(), chunks[i]);
+        CDrawList* const list = chunks[i] ? chunks[i]->peekDrawList() : 0;
+        if (list && list->movesInPlace()) {
+            if (list->recolorTinted(*this, chunks[i]) != CDrawList::RECOLORED)
+                recolorElsewhere(chunks[i], false);
+        } else if (chunks[i]) {
+            recolorElsewhere(chunks[i], true);
+        }
     }
+}
+
+void CGraphicElement::recolorElsewhere(const boost::shared_ptr<CDrawChunk>& chunk, bool askList)
+{
+    if (askList) {
+        const boost::shared_ptr<CDrawList> list = chunk->getDrawList().lock();
+        if (list && list->recolorTinted(*this, chunk) == CDrawList::RECOLORED)
+            return;
+    }
+    CDrawManager::Instance()->recolor(shared_from_this(), chunk);
 }
 
 void CGraphicElement::colorChanged()

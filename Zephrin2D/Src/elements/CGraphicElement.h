@@ -136,6 +136,9 @@ protected:
     void colorChanged();
     /// The same after a change of the colour from one of alpha alphaBefore.
     void colorChanged(unsigned char alphaBefore);
+    /// A tinted colour change for a chunk whose list is not reached in
+    /// place (askList: ask it first) or refused it; kept out of the fade's path.
+    __attribute__((noinline)) void recolorElsewhere(const boost::shared_ptr<CDrawChunk>& chunk, bool askList);
     /// The cached matrix, or a fresh one when the transform changed since.
     tMatrix23 currentMatrix() const;
 
