@@ -188,7 +188,7 @@ TEST_F(DrawListTest, RemovedPairKeepsItsRoomForItsReturn)
     for (auto& e : {a, b})
         manager()->add(e);
     frame();
-    enum tOp { REMOVE, ADD, MOVE_OUT, ADD_OTHER };
+    enum tOp { REMOVE, ADD, MOVE_OUT, ADD_OTHER, READD, EDIT_HELD };
     struct {
         tOp op;
         long uploadOffset;   // of the positions, -1: no vertex upload
@@ -196,6 +196,8 @@ TEST_F(DrawListTest, RemovedPairKeepsItsRoomForItsReturn)
     } steps[] = {
         {REMOVE, -1, false, false},    // the room stays, nothing moves
         {ADD, -1, false, true},        // back unchanged: drawn from the vertices kept
+        {READD, -1, false, true},      // out and back again: the hash kept from its return serves
+        {EDIT_HELD, 0, false, true},   // edited in place while held, unmarked: rewritten when it returns
         {MOVE_OUT, 0, false, true},    // moved while out: only its own range
         {ADD_OTHER, 8 * 12, true, true},  // a new pair is appended: the buffers grow
     };
@@ -208,7 +210,12 @@ TEST_F(DrawListTest, RemovedPairKeepsItsRoomForItsReturn)
             manager()->add(a);
         else if (s.op == ADD_OTHER)
             manager()->add(d);
-        else {
+        else if (s.op == READD || s.op == EDIT_HELD) {
+            for (tVect3& v : a->getChunks()[0]->getVertices())
+                v.x = v.x + (s.op == EDIT_HELD ? ONE_X : ZERO_X);
+            manager()->remove(a);
+            manager()->add(a);
+        } else {
             manager()->remove(a);
             a->moveBy(tVect2{ONE_X, ZERO_X});
             manager()->add(a);
