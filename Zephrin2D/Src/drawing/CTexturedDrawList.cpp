@@ -109,11 +109,14 @@ size_t CTexturedDrawList::uploadIndices(size_t first, size_t last, size_t count,
         if (allocated)
             *allocated = stream.allocated();
     }
-    BaseUtils::Assert(countsMatch && (written == count || count == UNKNOWN_COUNT), kMessages.file, __LINE__,
-                      allocate ? "CTexturedDrawList::bufferIndices 1 index count mismatch"
-                               : "CTexturedDrawList::bufferIndices 3 index count mismatch");
-    BaseUtils::Assert(inRange, kMessages.file, __LINE__,
-                      "CTexturedDrawList::bufferIndices index past the chunk's vertices");
+    // Called per depth in a translucent pass: the service is only called on a failure.
+    if (!countsMatch || (written != count && count != UNKNOWN_COUNT))
+        BaseUtils::Assert(false, kMessages.file, __LINE__,
+                          allocate ? "CTexturedDrawList::bufferIndices 1 index count mismatch"
+                                   : "CTexturedDrawList::bufferIndices 3 index count mismatch");
+    if (!inRange)
+        BaseUtils::Assert(false, kMessages.file, __LINE__,
+                          "CTexturedDrawList::bufferIndices index past the chunk's vertices");
     return written;
 }
 
