@@ -158,17 +158,14 @@ void CGraphicElement::colorChanged()
     }
 }
 
-tMatrix23 CGraphicElement::getMatrix()
+void CGraphicElement::rebuildMatrix()
 {
-    if (mMatrixDirty) {
-        if (mLinearDirty)
-            mMatrix.setTransform(mReg, mScale, mRotation, mPosition);
-        else
-            mMatrix.setPlacement(mReg, mPosition);
-        mMatrixDirty = false;
-        mLinearDirty = false;
-    }
-    return mMatrix;
+    if (mLinearDirty)
+        mMatrix.setTransform(mReg, mScale, mRotation, mPosition);
+    else
+        mMatrix.setPlacement(mReg, mPosition);
+    mMatrixDirty = false;
+    mLinearDirty = false;
 }
 
 tMatrix23 CGraphicElement::currentMatrix() const

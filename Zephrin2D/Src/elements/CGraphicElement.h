@@ -72,7 +72,19 @@ public:
     virtual unsigned char getAlpha() const { return mColor.a; }
 
     /// The local-to-scene transform, rebuilt when the transform changed.
-    virtual tMatrix23 getMatrix();
+    /// Inline, so that the draw lists can inline it for elements that keep it.
+    virtual tMatrix23 getMatrix()
+    {
+        if (mMatrixDirty) {
+            if (mLinearDirty) {
+                rebuildMatrix();
+            } else {
+                mMatrix.setPlacement(mReg, mPosition);
+                mMatrixDirty = false;
+            }
+        }
+        return mMatrix;
+    }
     /// Shows or hides the element's chunks in the draw manager.
     virtual void setVisibility(bool visible);
     virtual bool getVisibility() const { return mVisible; }
@@ -132,6 +144,8 @@ protected:
     void applyPlacement();
     /// markDirtyVertices() after a change of rotation or scale.
     void markLinearDirty();
+    /// Brings the cached matrix up to date with the transform.
+    void rebuildMatrix();
     /// The colour changed: the lists holding the chunks take it at the next frame.
     void colorChanged();
     /// The same after a change of the colour from one of alpha alphaBefore.
