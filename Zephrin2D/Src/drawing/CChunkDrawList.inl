@@ -629,6 +629,7 @@ void CChunkDrawList<Entry, Chunk>::uploadDirtyVertices(bool colors, bool scanAll
     {
         tVertexStream stream(mVertexBuffer, mTexCoordBuffer, mColorBuffer);
         const unsigned colorPart = colors ? tVertexStream::COLORS : 0;
+        const unsigned coordPart = mTexCoords ? tVertexStream::COORDS : 0;
         const auto upload = [&](tEntry& e) {
             if ((!e.dirty && !e.colorDirty) || e.parked)
                 return;
@@ -641,8 +642,8 @@ void CChunkDrawList<Entry, Chunk>::uploadDirtyVertices(bool colors, bool scanAll
             }
             if (colors)
                 stream.setColor(colorOf(e));
-            stream.seekParts(e.vertexOffset, tVertexStream::POSITIONS | colorPart |
-                                                 (mTexCoords && e.texCoordsDirty ? tVertexStream::COORDS : 0));
+            stream.seekParts(e.vertexOffset,
+                             tVertexStream::POSITIONS | colorPart | (e.texCoordsDirty ? coordPart : 0));
             countsMatch = restream(stream, e) && countsMatch;
             e.colorDirty = false;
         };
