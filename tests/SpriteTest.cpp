@@ -76,6 +76,11 @@ TEST_F(SpriteTest, AttachWhileRegisteredSwapsChunksInTheLists)
     for (const auto& chunk : sprite->getChunks())
         expected.push_back(chunk.get());
     EXPECT_EQ(registeredChunks(sprite.get()), expected);
+    // A list of another kind is reached through a locked reference, once per chunk.
+    RecordingList& list = *boost::dynamic_pointer_cast<RecordingList>(expected[0]->getDrawList().lock());
+    const int moves = list.moves;
+    sprite->moveBy(tVect2{ONE_X, ZERO_X});
+    EXPECT_EQ(list.moves - moves, 2);
 
     AssertCapture asserts;
     sprite->attach(boost::shared_ptr<CGraphicElement>());

@@ -21,7 +21,7 @@ public:
         bool operator==(const tEntry& o) const { return element == o.element && chunk == o.chunk; }
     };
 
-    explicit RecordingList(bool translucent) : mTranslucent(translucent), adds(0), removes(0) {}
+    explicit RecordingList(bool translucent) : mTranslucent(translucent), adds(0), removes(0), moves(0) {}
 
     bool add(boost::shared_ptr<CGraphicElement> element, boost::shared_ptr<CDrawChunk> chunk) override
     {
@@ -42,7 +42,7 @@ public:
     }
     bool show(boost::shared_ptr<CGraphicElement>, boost::shared_ptr<CDrawChunk>) override { return true; }
     bool hide(boost::shared_ptr<CGraphicElement>, boost::shared_ptr<CDrawChunk>) override { return true; }
-    void markDirtyVertices(boost::shared_ptr<CGraphicElement>, boost::shared_ptr<CDrawChunk>) override {}
+    void markDirtyVertices(boost::shared_ptr<CGraphicElement>, boost::shared_ptr<CDrawChunk>) override { ++moves; }
     void shrink() override {}
     void clear() override { entries.clear(); }
     void bufferVertices() override {}
@@ -70,6 +70,7 @@ public:
     bool mTranslucent;
     int adds;
     int removes;
+    int moves;
 };
 
 /// A chunk without GL behind it, for checking what elements register.
