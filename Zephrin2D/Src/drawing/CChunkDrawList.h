@@ -286,6 +286,14 @@ protected:
         held = ref.entry.lock();
         return held && !held->parked && held->chunk && held->order == ref.order ? held.get() : 0;
     }
+    /// liveEntry without a reference taken: for loops that release nothing
+    /// (the pool's blocks live as long as the list).
+    tEntry* peekedEntry(size_t r) const
+    {
+        const tEntryRef& ref = mSortedEntries[r];
+        tEntry* const e = boost::weak_ptr<boost::tDrawListPeek>::peek(ref.entry);
+        return e && !e->parked && e->chunk && e->order == ref.order ? e : 0;
+    }
     /// Orders the visible entries by depth (ties by acceptance).
     void sortEntries(bool frontToBack);
     /// Drops the references of entries taken out since the last sort (those

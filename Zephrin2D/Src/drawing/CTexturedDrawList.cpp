@@ -129,11 +129,7 @@ void CTexturedDrawList::bufferIndices()
         return;
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, mIndexBuffers[0]);
     const bool grow = mBufferedIndexCount < mIndexCount;
-    // Kept alive by the list while it writes them.
-    boost::shared_ptr<tEntry> held;
-    uploadIndices(0, mSortedEntries.size(), mIndexCount, grow, [&](size_t r) {
-        return liveEntry(r, held);
-    });
+    uploadIndices(0, mSortedEntries.size(), mIndexCount, grow, [this](size_t r) { return peekedEntry(r); });
     if (grow)
         mBufferedIndexCount = mIndexCount;
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
@@ -181,7 +177,7 @@ int CTexturedDrawList::prepareAlphaDraw()
         const size_t n = mSortedEntries.size();
         mAlphaOrder.resize(n);
         for (size_t r = n; r-- > 0;) {
-            mAlphaOrder[r].entry = mSortedEntries[r].entry.lock().get();
+            mAlphaOrder[r].entry = peekedEntry(r);
             const bool last = r + 1 == n || mSortedEntries[r + 1].depth != mSortedEntries[r].depth;
             mAlphaOrder[r].depthEnd = static_cast<uint32_t>(last ? r + 1 : mAlphaOrder[r + 1].depthEnd);
         }
@@ -215,10 +211,8 @@ int CTexturedDrawList::drawZDepth(int z)
             count = uploadIndices(first, last, UNKNOWN_COUNT, true, [order](size_t r) { return order[r].entry; }, size,
                                   &size);
         } else {
-            boost::shared_ptr<tEntry> held;
-            count = uploadIndices(first, last, UNKNOWN_COUNT, true, [&](size_t r) {
-                return liveEntry(r, held);
-            }, size, &size);
+            count = uploadIndices(first, last, UNKNOWN_COUNT, true, [this](size_t r) { return peekedEntry(r); },
+                                  size, &size);
         }
         if (count > 0)
             bindAndDraw(buffer, count);
