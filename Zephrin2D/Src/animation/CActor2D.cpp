@@ -107,7 +107,8 @@ CActor2D::tAnimationMap::iterator CActor2D::repoint(const CActor2D& other, tAnim
 
 void CActor2D::update(int elapsed)
 {
-    callUpdateFunction(elapsed);
+    if (hasUpdateFunction())
+        callUpdateFunction(elapsed);
     if (mCels.empty())
         return;
     if (!(mStateFlags & PLAYING)) {

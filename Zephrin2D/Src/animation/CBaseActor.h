@@ -74,6 +74,8 @@ protected:
     void callUpdateFunction(int elapsed);
     void callTriggerFunction(int value);
     bool hasAnimationDoneFunction() const { return mAnimationDoneFunction || mAnimationDoneClosure; }
+    /// Whether callUpdateFunction has anything to call (checked inline on every update).
+    bool hasUpdateFunction() const { return mUpdateFunction || mUpdateClosure; }
     void callAnimationDoneFunction(Glib::ustring const& label);
 
 private:

@@ -398,8 +398,9 @@ private:
     /// changed, as when every actor changes cel, is sorted whole each frame).
     void sortSmall(bool frontToBack);
     static constexpr size_t SMALL_SORT = 512;
-    /// Makes the entry count as held: counts, references, colour, the chunk's list.
-    void join(tSlot slot, Chunk& chunk);
+    /// Makes the entry count as held: counts, references, colour, the chunk's
+    /// list; indexCount is indexCountOf(chunk), which the caller has checked.
+    void join(tSlot slot, Chunk& chunk, size_t indexCount);
     /// Takes a parked entry up again for its returning pair.
     bool rejoin(tSlot slot, const boost::shared_ptr<CGraphicElement>& element,
                 const boost::shared_ptr<CDrawChunk>& chunk, Chunk& typed);

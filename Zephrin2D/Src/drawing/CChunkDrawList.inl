@@ -226,16 +226,15 @@ bool CChunkDrawList<Entry, Chunk>::addHeld(const boost::shared_ptr<CGraphicEleme
     mEntries.push_back(mPool.shared(slot));
     mVerticesDirty = true;
     mScanAll = true;
-    join(slot, *typed);
+    join(slot, *typed, indexCount);
     return true;
 }
 
 template <class Entry, class Chunk>
-void CChunkDrawList<Entry, Chunk>::join(tSlot slot, Chunk& chunk)
+void CChunkDrawList<Entry, Chunk>::join(tSlot slot, Chunk& chunk, size_t indexCount)
 {
     tEntry& entry = mPool[slot];
-    const Chunk& constant = chunk;
-    entry.indexCount = static_cast<uint16_t>(indexCountOf(constant));
+    entry.indexCount = static_cast<uint16_t>(indexCount);
     entry.visible = entry.element->getVisibility();
     entry.order = nextOrder();
     takeColor(entry);
@@ -264,8 +263,9 @@ bool CChunkDrawList<Entry, Chunk>::rejoin(tSlot slot, const boost::shared_ptr<CG
                                           const boost::shared_ptr<CDrawChunk>& chunk, Chunk& typed)
 {
     const Chunk& constant = typed;
+    const size_t indexCount = indexCountOf(constant);
     if (mVertexCount + constant.getVertices().size() > MAX_COUNT ||
-        mIndexCount + mHiddenIndexCount + indexCountOf(constant) > MAX_COUNT)
+        mIndexCount + mHiddenIndexCount + indexCount > MAX_COUNT)
         return false;
     tEntry& e = mPool[slot];
     tParked& kept = mParked[e.indexOffset];
@@ -302,7 +302,7 @@ bool CChunkDrawList<Entry, Chunk>::rejoin(tSlot slot, const boost::shared_ptr<CG
     }
     // It may have been flagged while parked.
     mScanAll = true;
-    join(slot, typed);
+    join(slot, typed, indexCount);
     return true;
 }
 
