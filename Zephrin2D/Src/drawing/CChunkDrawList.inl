@@ -83,12 +83,9 @@ size_t CChunkDrawList<Entry, Chunk>::purgeDeadRefs()
         size_t w = 0;
         for (size_t i = 0; i < mSortedEntries.size(); ++i) {
             tEntryRef& r = mSortedEntries[i];
-            {
-                // A dropped entry's slot has no chunk until it is taken again, under a later order.
-                boost::shared_ptr<tEntry> held;
-                if (!liveEntry(i, held))
-                    continue;
-            }
+            // A dropped entry's slot has no chunk until it is taken again, under a later order.
+            if (!peekedEntry(i))
+                continue;
             kept += i < mSortedPrefix;
             if (w != i)
                 mSortedEntries[w] = std::move(r);
