@@ -102,7 +102,7 @@ def res_runs(res, way):
 def count_lines(counts):
     res = counts.get("results", {})
     lines = ["### Instructions per frame (figure of record)", ""]
-    lines.append("callgrind, %d frames after 3 warm-up frames, the frame region only (the scene update up to the "
+    lines.append("callgrind, %d frames after 8 warm-up frames (two cycles of the actors' cels), the frame region only (the scene update up to the "
                  "last GL call before the swap), llvmpipe with `LP_NUM_THREADS=0`; mean of the runs (%d). "
                  "*Own* is the program and the library it drives (Zephrin2D; SDL2 for the SDL2 way; the "
                  "floor program itself), *driver* is GL, EGL and Mesa with the code it generates; what the "
