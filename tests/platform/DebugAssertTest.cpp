@@ -1,6 +1,8 @@
 #include <BaseUtils.h>
 #include <DebugMPI.h>
 
+#include "OutputCapture.h"
+
 #include <cstdio>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -9,20 +11,9 @@ namespace {
 
 std::string captureStderr(const std::function<void()>& body)
 {
-    fflush(stderr);
-    FILE* file = tmpfile();
-    const int saved = dup(2);
-    dup2(fileno(file), 2);
+    OutputCapture capture(2);
     body();
-    fflush(stderr);
-    dup2(saved, 2);
-    close(saved);
-    std::string text;
-    rewind(file);
-    for (int c; (c = fgetc(file)) != EOF;)
-        text += char(c);
-    fclose(file);
-    return text;
+    return capture.finish();
 }
 
 TEST(Assert, PrintsOneLineAndReturns)

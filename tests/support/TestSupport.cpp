@@ -54,30 +54,6 @@ bool DebugCapture::has(int level, const std::string& text) const
                        [&](const tEntry& e) { return e.text == text && (level < 0 || e.level == level); });
 }
 
-StdoutCapture::StdoutCapture() : mFile(tmpfile()), mSaved(dup(1)), mDone(false)
-{
-    fflush(stdout);
-    dup2(fileno(mFile), 1);
-}
-
-StdoutCapture::~StdoutCapture() { finish(); }
-
-std::string StdoutCapture::finish()
-{
-    if (mDone)
-        return std::string();
-    mDone = true;
-    fflush(stdout);
-    dup2(mSaved, 1);
-    close(mSaved);
-    std::string text;
-    rewind(mFile);
-    for (int c; (c = fgetc(mFile)) != EOF;)
-        text += char(c);
-    fclose(mFile);
-    return text;
-}
-
 GLTest::GLTest(int width, int height, tColor clear) : mWidth(width), mHeight(height), mClear(clear) {}
 
 void GLTest::SetUp()

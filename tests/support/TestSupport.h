@@ -3,6 +3,7 @@
 
 #include "GLRecorder.h"
 #include "ImageIO.h"
+#include "OutputCapture.h"
 
 #include <BaseUtils.h>
 #include <DebugMPI.h>
@@ -47,16 +48,10 @@ private:
 };
 
 /// Captures what the code under test writes on standard output.
-class StdoutCapture
+class StdoutCapture : public OutputCapture
 {
 public:
-    StdoutCapture();
-    ~StdoutCapture();
-    std::string finish();
-private:
-    FILE* mFile;
-    int mSaved;
-    bool mDone;
+    StdoutCapture() : OutputCapture(1) {}
 };
 
 /// A fixture with a fresh graphics context of the given size (clear colour

@@ -282,9 +282,10 @@ protected:
     /// The entry of sorted reference r, held in held; null for a dead reference.
     tEntry* liveEntry(size_t r, boost::shared_ptr<tEntry>& held) const
     {
-        const tEntryRef& ref = mSortedEntries[r];
-        held = ref.entry.lock();
-        return held && !held->parked && held->chunk && held->order == ref.order ? held.get() : 0;
+        tEntry* const e = peekedEntry(r);
+        if (e)
+            held = mSortedEntries[r].entry.lock();
+        return e;
     }
     /// liveEntry without a reference taken: for loops that release nothing
     /// (the pool's blocks live as long as the list).
